@@ -1,0 +1,6 @@
+#include "app/sondarmain.h"
+
+int main(int argc, char **argv)
+{
+    return sondarMain(argc, argv);
+}
