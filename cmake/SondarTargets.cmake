@@ -36,6 +36,8 @@ function(sondar_tests name)
   add_executable(${name} ${sources})
   target_link_libraries(${name} PRIVATE sondar_testsupport ${ARG_LINK})
   if(ARG_LAB)
+    # netlab_up starts the lab's echo responder, so building a lab test builds it too.
+    add_dependencies(${name} sondar_echo_responder)
     add_test(NAME ${name}
       COMMAND ${PROJECT_SOURCE_DIR}/tests/netlab/lab.sh exec $<TARGET_FILE:${name}>)
     set_tests_properties(${name} PROPERTIES
