@@ -95,11 +95,9 @@ QStringList readSection(const QString &path, const QString &section)
     QStringList entries;
     qsizetype room = SectionBufferSize - 1; // the NUL that closes the list
     for (const QString &entry : text.sectionEntries(cString(section))) {
-        if (entry.size() + 1 > room) {
-            if (room > 1)
-                entries << entry.left(room - 1);
+        // Whole entries only: a host name cut in two would be a host that does not exist.
+        if (entry.size() + 1 > room)
             break;
-        }
         entries << entry;
         room -= entry.size() + 1;
     }

@@ -11,7 +11,8 @@
 // it), so a crash or a full disk leaves either the old or the new file, never half of one.
 namespace profilefile {
 
-// What the callers' buffers hold: longer values and sections come back cut.
+// What the callers' buffers hold: a longer value comes back cut, a longer section without the
+// entries that do not fit.
 inline constexpr qsizetype ValueBufferSize = 1024;    // characters, the terminating NUL included
 inline constexpr qsizetype SectionBufferSize = 32767; // characters, every entry's NUL and the final one included
 // Only this much of a file is read. A host list is a few hundred bytes; reading a stray huge
@@ -22,7 +23,7 @@ inline constexpr qint64 MaxFileSize = 16 * 1024 * 1024;
 QString readString(const QString &path, const QString &section, const QString &key,
                    const QString &defaultValue = {});
 
-// The section's entries, "key=value" each, as far as they fit the section buffer.
+// The section's entries, "key=value" each, as many whole entries as fit the section buffer.
 QStringList readSection(const QString &path, const QString &section);
 
 // No key: the section is deleted. No value: the key is deleted. Otherwise key=value is written,
