@@ -33,6 +33,9 @@ constexpr Address address(uint8_t a, uint8_t b, uint8_t c, uint8_t d)
 
 // The client itself; the machine's host name resolves to it inside the lab.
 constexpr Address kClient = address(10, 201, 1, 2);
+// On the client's own link but held by nobody: after about 3 s of unanswered ARP the client's
+// kernel reports ICMP 3/1 from kClient.
+constexpr Address kNoNeighbour = address(10, 201, 1, 99);
 
 // The chain to the target. Routers answer echoes to their own address with the kernel's reply.
 constexpr Address kR1 = address(10, 201, 1, 1); // hop 1, has no name

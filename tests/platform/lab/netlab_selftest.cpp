@@ -274,6 +274,16 @@ TEST_F(NetLab, UnreachableAddressesAnswerFromTheTargetQuotingTheRequest)
     }
 }
 
+TEST_F(NetLab, AddressWithoutNeighbourIsReportedUnreachableByTheClientItself)
+{
+    Prober prober;
+    const auto answer = prober.probe(netlab::kNoNeighbour, 64, 5000ms);
+    ASSERT_TRUE(answer);
+    EXPECT_EQ(answer->from, netlab::kClient.value);
+    EXPECT_EQ(answer->type, kDestinationUnreachable);
+    EXPECT_EQ(answer->code, 1);
+}
+
 TEST_F(NetLab, RequestWithIpOptionsIsAnsweredAndQuotedWhole)
 {
     Prober prober;
