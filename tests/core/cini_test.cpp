@@ -33,13 +33,6 @@ protected:
     cINI m_ini;
 };
 
-TEST_F(CIni, FilePathIsWhatWasSet)
-{
-    EXPECT_EQ(cINI().FilePath(), QString());
-    EXPECT_EQ(cINI(QStringLiteral("/x/hosts.ini")).FilePath(), QStringLiteral("/x/hosts.ini"));
-    EXPECT_EQ(m_ini.FilePath(), m_dir.filePath(QStringLiteral("hosts.ini")));
-}
-
 TEST_F(CIni, GetValCutsAtTheFirstNulAndIsEmptyWhenAbsent)
 {
     writeFile(QByteArray("[HOST]\r\n1=alpha\0beta\r\n2=gamma\r\n", 32));
