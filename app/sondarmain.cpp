@@ -1,9 +1,164 @@
 #include "app/sondarmain.h"
 
-#include <cstdio>
+#include "app/pingcommand.h"
+#include "app/terminalsink.h"
+#include "app/windowcommand.h"
+#include "core/productinfo.h"
+#include "platform/clock.h"
+#include "platform/programdir.h"
+#include "platform/settingsstore.h"
 
-int sondarMain(int, char **)
+#include <QCommandLineParser>
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <optional>
+
+namespace {
+
+const char *const Usage =
+    "Usage: sondar [--dir PATH]                 open the monitor window\n"
+    "       sondar ping HOST [--period S] [--count N] [--log] [--dir PATH]\n"
+    "                                         watch HOST in the terminal: one line per sample\n"
+    "                                         (time, address, level); exit 0 when the last\n"
+    "                                         sample answered, 1 otherwise\n"
+    "       sondar --help | --version\n"
+    "\n"
+    "Options:\n"
+    "  --dir PATH     program directory (hosts.ini, logs, country.txt); default:\n"
+    "                 $SONDAR_HOME, else the executable's folder when writable,\n"
+    "                 else ~/.local/share/Sondar\n"
+    "  --period S     seconds between samples (default: the stored retry time)\n"
+    "  --count N      stop after N samples (default: run until Ctrl-C)\n"
+    "  --log          append every sample to the log\n";
+
+int usageError(const QString &message)
 {
-    std::puts("Sondar " SONDAR_VERSION);
-    return 0;
+    std::fprintf(stderr, "sondar: %s\n\n%s", qPrintable(message), Usage);
+    return 2;
+}
+
+bool hasDisplay()
+{
+    return qEnvironmentVariableIsSet("QT_QPA_PLATFORM") || qEnvironmentVariableIsSet("DISPLAY")
+        || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+}
+
+struct Arguments {
+    QString command; // empty: the window
+    QStringList positional;
+    QString dir;
+    QString period;
+    QString count;
+    bool log = false;
+};
+
+std::optional<Arguments> parse(const QStringList &args, QString &error)
+{
+    Arguments parsed;
+    for (int i = 1; i < args.size(); ++i) {
+        const QString &arg = args.at(i);
+        auto value = [&](QString &into) {
+            if (i + 1 >= args.size()) {
+                error = arg + QStringLiteral(" needs a value");
+                return false;
+            }
+            into = args.at(++i);
+            return true;
+        };
+        if (arg == QLatin1String("--dir")) {
+            if (!value(parsed.dir))
+                return std::nullopt;
+        } else if (arg == QLatin1String("--period")) {
+            if (!value(parsed.period))
+                return std::nullopt;
+        } else if (arg == QLatin1String("--count")) {
+            if (!value(parsed.count))
+                return std::nullopt;
+        } else if (arg == QLatin1String("--log")) {
+            parsed.log = true;
+        } else if (arg.startsWith(QLatin1String("--"))) {
+            error = QStringLiteral("unknown option ") + arg;
+            return std::nullopt;
+        } else if (parsed.command.isEmpty() && parsed.positional.isEmpty()) {
+            parsed.command = arg;
+        } else {
+            parsed.positional << arg;
+        }
+    }
+    return parsed;
+}
+
+std::optional<int> wholeNumber(const QString &text, int minimum)
+{
+    bool ok = false;
+    const int n = text.toInt(&ok);
+    if (!ok || n < minimum)
+        return std::nullopt;
+    return n;
+}
+
+} // namespace
+
+int sondarMain(int argc, char **argv)
+{
+    QStringList args;
+    for (int i = 0; i < argc; ++i)
+        args << QString::fromLocal8Bit(argv[i]);
+    if (args.contains(QLatin1String("--help")) || args.contains(QLatin1String("-h"))) {
+        std::fputs(Usage, stdout);
+        return 0;
+    }
+    if (args.contains(QLatin1String("--version"))) {
+        std::printf("%s %s\n", qPrintable(productinfo::productName()), qPrintable(productinfo::version()));
+        return 0;
+    }
+    QString error;
+    const auto parsed = parse(args, error);
+    if (!parsed)
+        return usageError(error);
+
+    if (parsed->command.isEmpty()) {
+        if (!hasDisplay()) {
+            std::fputs("sondar: no display to open the window on (DISPLAY and WAYLAND_DISPLAY are unset).\n"
+                       "Watch a host in the terminal instead: sondar ping HOST\n",
+                       stderr);
+            return 1;
+        }
+        return runWindow(argc, argv, parsed->dir);
+    }
+    if (parsed->command != QLatin1String("ping"))
+        return usageError(QStringLiteral("unknown command ") + parsed->command);
+    if (parsed->positional.size() != 1)
+        return usageError(QStringLiteral("ping takes one HOST"));
+
+    PingCommandOptions options;
+    options.host = parsed->positional.first();
+    options.log = parsed->log;
+    if (!parsed->period.isEmpty()) {
+        const auto period = wholeNumber(parsed->period, 1);
+        if (!period || *period > 60)
+            return usageError(QStringLiteral("--period takes whole seconds from 1 to 60"));
+        options.periodSeconds = *period;
+    }
+    if (!parsed->count.isEmpty()) {
+        const auto count = wholeNumber(parsed->count, 1);
+        if (!count)
+            return usageError(QStringLiteral("--count takes a whole number of 1 or more"));
+        options.count = *count;
+    }
+
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(productinfo::productName());
+    QCoreApplication::setOrganizationName(productinfo::productName());
+    const QString dir = programdir::resolve(parsed->dir, QCoreApplication::applicationDirPath());
+    if (dir.isEmpty()) {
+        std::fprintf(stderr, "sondar: cannot use the program directory %s\n", qPrintable(parsed->dir));
+        return 2;
+    }
+    SettingsStore settings;
+    SystemClock clock;
+    TerminalSink sink;
+    const Environment env{settings, clock, sink, dir, programdir::executableBaseName(QCoreApplication::applicationFilePath())};
+    return runPingCommand(options, env);
 }

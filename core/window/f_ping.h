@@ -1,0 +1,93 @@
+#pragma once
+
+#include "core/cycleview.h"
+#include "core/environment.h"
+#include "core/levelscale.h"
+
+#include <QDateTime>
+#include <QMainWindow>
+
+#include <memory>
+
+class PingLog;
+class Ping;
+class PollingCycle;
+class QCheckBox;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTimer;
+class StatusLamp;
+
+// The main window: the host to watch, the retry time, Ping and Stop, the results and the log controls.
+class f_Ping : public QMainWindow, public CycleView
+{
+    Q_OBJECT
+
+public:
+    explicit f_Ping(const Environment &env, QWidget *parent = nullptr);
+    ~f_Ping() override;
+
+    // Runs the start-up steps; the window is usable before and after, and shows itself afterwards.
+    void Form_Load();
+
+    void Command1_Click();
+    void Command2_Click();
+    void txtTime_Change();
+    bool txtTime_Validate();
+    void chkLog_Click();
+    void cmdShowLog_Click();
+    void cmdLogClear_Click();
+    void cmb_Click();
+
+    PollingCycle &cycle() { return *m_cycle; }
+    Ping &png() { return *m_png; }
+    PingLog &log() { return *m_log; }
+    const QDateTime &loadTime() const { return m_loadTime; }
+    QTimer &Timer1();
+
+    // CycleView
+    QString hostText() const override;
+    bool isMinimised() const override;
+    void setTimeLabel(const QString &text) override;
+    QString addressLabel() const override;
+    void setAddressLabel(const QString &text) override;
+    void setLamp(uint32_t colour) override;
+    void setBusyPointer(bool busy) override;
+    void showProbing() override;
+    void showResultState(const QString &caption, const QString &levelName) override;
+    void addGraphPoint(int32_t value) override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    void buildControls();
+    void loadHostList();
+    void Form_QueryUnload();
+    void Form_Unload();
+    void setStatusText(const QString &text);
+
+    Environment m_env;
+    LevelScale m_levels;
+    std::unique_ptr<PingLog> m_log;
+    Ping *m_png = nullptr;
+    PollingCycle *m_cycle = nullptr;
+    QDateTime m_loadTime;
+    bool m_busyPointer = false;
+    bool m_unloaded = false;
+
+    QComboBox *m_cmb = nullptr;
+    QLineEdit *m_txtTime = nullptr;
+    QPushButton *m_command1 = nullptr;
+    QPushButton *m_command2 = nullptr;
+    QLabel *m_label1 = nullptr;
+    QLabel *m_label2 = nullptr;
+    StatusLamp *m_shpStatus = nullptr;
+    QCheckBox *m_chkLog = nullptr;
+    QPushButton *m_cmdShowLog = nullptr;
+    QPushButton *m_cmdLogClear = nullptr;
+    QLabel *m_lblStatus = nullptr;
+};
