@@ -6,10 +6,13 @@
 #include "core/pinglog.h"
 #include "core/pollingcycle.h"
 #include "core/retrytime.h"
+#include "core/smsalerts.h"
 #include "core/textnumbers.h"
 #include "core/trappedprocedure.h"
+#include "platform/clock.h"
 #include "platform/icmpecho.h"
 #include "platform/settingsstore.h"
+#include "platform/smsgateway.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -66,20 +69,33 @@ int runPingCommand(const PingCommandOptions &options, const Environment &env)
     TerminalMonitor monitor(options.host, stdout);
     Ping png;
     PollingCycle cycle(monitor, png, levels, log, env.clock, env.sink);
+    SmsAlerts sms(env.settings, env.clock, env.sink, [&cycle] { return cycle.isMonitoring(); }, &SmsGateway::create);
+    sms.setStartTime(env.clock.now());
+    procedure.step(13, [&] { sms.InitSMS(); });
+    cycle.setCheckSms([&sms](const QString &host, int value) { sms.CheckSMS(host, value); });
+    // An alert on its way is delivered (or fails) before the program ends.
+    const auto finish = [&sms] {
+        if (sms.hasPendingSend())
+            QObject::connect(&sms, &SmsAlerts::sendFinished, [] { QCoreApplication::quit(); });
+        else
+            QCoreApplication::quit();
+    };
     int samples = 0;
     bool lastAnswered = false;
     QObject::connect(&cycle, &PollingCycle::sampleShown, &monitor, [&](int, const QString &levelName) {
         monitor.printSample(levelName);
         lastAnswered = levelName != QLatin1String("RED");
-        if (options.count > 0 && ++samples >= options.count)
-            QCoreApplication::quit();
+        if (options.count > 0 && ++samples >= options.count) {
+            cycle.Command2_Click();
+            finish();
+        }
     });
     quitOnInterrupt(&monitor, [&] {
         cycle.Command2_Click();
         if (cycle.isBusy())
-            QObject::connect(&cycle, &PollingCycle::sampleShown, &monitor, [] { QCoreApplication::quit(); });
+            QObject::connect(&cycle, &PollingCycle::sampleShown, &monitor, finish);
         else
-            QCoreApplication::quit();
+            finish();
     });
 
     cycle.startHoldOff();

@@ -6,12 +6,14 @@
 #include "core/pollingcycle.h"
 #include "core/productinfo.h"
 #include "core/retrytime.h"
+#include "core/smsalerts.h"
 #include "core/textnumbers.h"
 #include "core/trappedprocedure.h"
 #include "core/window/statuslamp.h"
 #include "core/window/texteditor.h"
 #include "platform/clock.h"
 #include "platform/settingsstore.h"
+#include "platform/smsgateway.h"
 #include "resources/resourceicon.h"
 
 #include <QCheckBox>
@@ -46,6 +48,9 @@ f_Ping::f_Ping(const Environment &env, QWidget *parent)
     setObjectName(QStringLiteral("f_Ping"));
     m_png->setObjectName(QStringLiteral("png"));
     m_cycle = new PollingCycle(*this, *m_png, m_levels, *m_log, env.clock, env.sink, this);
+    m_sms = new SmsAlerts(env.settings, env.clock, env.sink, [this] { return m_cycle->isMonitoring(); },
+                          &SmsGateway::create, this);
+    m_cycle->setCheckSms([this](const QString &host, int value) { m_sms->CheckSMS(host, value); });
     buildControls();
     setWindowTitle(productinfo::caption());
     setWindowIcon(ResourceIcon::load(QStringLiteral("A_")));
@@ -132,6 +137,14 @@ void f_Ping::buildControls()
     m_lblStatus = new QLabel(this);
     m_lblStatus->setObjectName(QStringLiteral("lblStatus"));
     statusBar()->addWidget(m_lblStatus, 1);
+    m_imgSMS = new QLabel(this);
+    m_imgSMS->setObjectName(QStringLiteral("imgSMS"));
+    m_imgSMS->setPixmap(ResourceIcon::pixmap(QStringLiteral("YELLOW"), m_lblStatus->fontMetrics().height()));
+    m_imgSMS->setToolTip(QStringLiteral("Sending SMS ..."));
+    m_imgSMS->hide();
+    statusBar()->addPermanentWidget(m_imgSMS);
+    connect(m_sms, &SmsAlerts::imgSMSVisibleChanged, m_imgSMS, &QWidget::setVisible);
+    connect(m_sms, &SmsAlerts::statusText, this, &f_Ping::setStatusText);
 }
 
 void f_Ping::Form_Load()
@@ -140,6 +153,7 @@ void f_Ping::Form_Load()
                                productinfo::productName());
     procedure.step(1, [&] {
         m_loadTime = m_env.clock.now();
+        m_sms->setStartTime(m_loadTime);
         m_env.settings.SaveSetting(QStringLiteral("SMS"), QStringLiteral("StartTime"),
                                    m_loadTime.toString(QStringLiteral("dd/MM/yyyy hh:mm:ss")));
     });
@@ -159,6 +173,7 @@ void f_Ping::Form_Load()
     procedure.step(12, [&] {
         m_txtTime->setText(QString::number(textnumbers::toInteger(loadSetting(m_env.settings, "TimeOut", "10"))));
     });
+    procedure.step(13, [&] { m_sms->InitSMS(); });
 }
 
 void f_Ping::loadHostList()

@@ -10,6 +10,7 @@
 #include <memory>
 
 class PingLog;
+class SmsAlerts;
 class Ping;
 class PollingCycle;
 class QCheckBox;
@@ -44,6 +45,7 @@ public:
     PollingCycle &cycle() { return *m_cycle; }
     Ping &png() { return *m_png; }
     PingLog &log() { return *m_log; }
+    SmsAlerts &sms() { return *m_sms; }
     const QDateTime &loadTime() const { return m_loadTime; }
     QTimer &Timer1();
 
@@ -75,6 +77,7 @@ private:
     std::unique_ptr<PingLog> m_log;
     Ping *m_png = nullptr;
     PollingCycle *m_cycle = nullptr;
+    SmsAlerts *m_sms = nullptr;
     QDateTime m_loadTime;
     bool m_busyPointer = false;
     bool m_unloaded = false;
@@ -90,4 +93,5 @@ private:
     QPushButton *m_cmdShowLog = nullptr;
     QPushButton *m_cmdLogClear = nullptr;
     QLabel *m_lblStatus = nullptr;
+    QLabel *m_imgSMS = nullptr;
 };

@@ -1,7 +1,10 @@
 #include "platform/icmpecho.h"
+#include "tests/platform/smsgatewayserver.h"
 
 #include <QProcess>
+#include <QSettings>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -19,7 +22,8 @@ Finished sondar(const QStringList &arguments, const QProcessEnvironment &env = Q
     QProcess process;
     process.setProcessEnvironment(env);
     process.start(QStringLiteral(SONDAR_BINARY), arguments);
-    if (!process.waitForFinished(timeoutMs)) {
+    // Waiting in the event loop lets servers of the test answer the child meanwhile.
+    if (!QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, timeoutMs)) {
         process.kill();
         process.waitForFinished();
         return {-1, QString(), QStringLiteral("timed out")};
@@ -99,6 +103,31 @@ TEST(TerminalMonitor, AnUnanswerableHostExitsWithOne)
                            env);
     EXPECT_EQ(run.exitCode, 1) << run.err.toStdString();
     EXPECT_TRUE(run.out.contains(QStringLiteral("\tNo IP\tRED"))) << run.out.toStdString();
+}
+
+TEST(TerminalMonitor, AnAlertOnItsWayIsDeliveredBeforeTheProgramEnds)
+{
+    if (!IcmpEcho().isOpen())
+        GTEST_SKIP() << "no ICMP socket can be opened here (needs root or net.ipv4.ping_group_range)";
+    SmsGatewayServer server;
+    QTemporaryDir dir;
+    QSettings store(dir.filePath(QStringLiteral("config/Sondar/Sondar.conf")), QSettings::IniFormat);
+    store.beginGroup(QStringLiteral("SMS"));
+    for (const auto &[key, value] : {std::pair{"SendSMS", QStringLiteral("1")}, {"MobileNumber", QStringLiteral("6710123")},
+                                     {"Carrier", QStringLiteral("Carrier")}, {"CountryCode", QStringLiteral("7")},
+                                     {"ICQUIN", QStringLiteral("12345")}, {"ICQPass", QStringLiteral("secret")},
+                                     {"Greater", QStringLiteral("-1")}, {"GatewayURL", server.url()}})
+        store.setValue(QLatin1String(key), value);
+    store.sync();
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert(QStringLiteral("XDG_CONFIG_HOME"), dir.filePath(QStringLiteral("config")));
+    const Finished run = sondar({QStringLiteral("ping"), QStringLiteral("127.0.0.1"), QStringLiteral("--period"),
+                                 QStringLiteral("1"), QStringLiteral("--count"), QStringLiteral("1"), QStringLiteral("--dir"),
+                                 dir.path()},
+                                env);
+    EXPECT_EQ(run.exitCode, 0) << run.err.toStdString();
+    ASSERT_EQ(server.requests.size(), 1);
+    EXPECT_TRUE(server.requests.first().body.contains("Sondar ping statistics. "));
 }
 
 } // namespace
