@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <memory>
 
+class IcmpSocket;
+
 // One ICMP echo handle, the Linux counterpart of IcmpCreateFile / IcmpSendEcho / IcmpCloseHandle.
 // A handle sends one echo at a time and blocks until its reply, an ICMP error about it, or the
 // time-out; different handles may be used on different threads at once and never take each
@@ -66,6 +68,5 @@ public:
     static QString unavailableHelp();
 
 private:
-    class Socket;
-    std::unique_ptr<Socket> m_socket;
+    std::unique_ptr<IcmpSocket> m_socket;
 };
