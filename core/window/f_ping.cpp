@@ -9,7 +9,9 @@
 #include "core/smsalerts.h"
 #include "core/textnumbers.h"
 #include "core/trappedprocedure.h"
+#include "core/window/hostcombobox.h"
 #include "core/window/statuslamp.h"
+#include "display/hostlisteditor.h"
 #include "core/window/texteditor.h"
 #include "platform/clock.h"
 #include "platform/settingsstore.h"
@@ -25,6 +27,8 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QGroupBox>
+#include <QStackedWidget>
 #include <QStatusBar>
 #include <QTimer>
 
@@ -59,92 +63,6 @@ f_Ping::f_Ping(const Environment &env, QWidget *parent)
 f_Ping::~f_Ping()
 {
     setBusyPointer(false);
-}
-
-void f_Ping::buildControls()
-{
-    auto *central = new QWidget(this);
-    auto *grid = new QGridLayout(central);
-
-    m_cmb = new QComboBox(central);
-    m_cmb->setObjectName(QStringLiteral("cmb"));
-    m_cmb->setEditable(true);
-    m_cmb->setInsertPolicy(QComboBox::NoInsert);
-    m_cmb->setMinimumContentsLength(24);
-    m_cmb->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    connect(m_cmb, &QComboBox::activated, this, &f_Ping::cmb_Click);
-
-    auto *lblTime = new QLabel(QStringLiteral("Retry time, s:"), central);
-    lblTime->setObjectName(QStringLiteral("lblTime"));
-    m_txtTime = new QLineEdit(QStringLiteral("10"), central);
-    m_txtTime->setObjectName(QStringLiteral("txtTime"));
-    m_txtTime->setMaxLength(5);
-    m_txtTime->setFixedWidth(m_txtTime->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + 16);
-    lblTime->setBuddy(m_txtTime);
-    connect(m_txtTime, &QLineEdit::textChanged, this, &f_Ping::txtTime_Change);
-    m_txtTime->installEventFilter(this);
-
-    m_command1 = new QPushButton(QStringLiteral("Ping"), central);
-    m_command1->setObjectName(QStringLiteral("Command1"));
-    m_command1->setDefault(true);
-    connect(m_command1, &QPushButton::clicked, this, &f_Ping::Command1_Click);
-    m_command2 = new QPushButton(QStringLiteral("Stop"), central);
-    m_command2->setObjectName(QStringLiteral("Command2"));
-    connect(m_command2, &QPushButton::clicked, this, &f_Ping::Command2_Click);
-
-    m_shpStatus = new StatusLamp(central);
-    m_shpStatus->setObjectName(QStringLiteral("shpStatus"));
-    m_label1 = new QLabel(central);
-    m_label1->setObjectName(QStringLiteral("Label1"));
-    m_label1->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_label2 = new QLabel(central);
-    m_label2->setObjectName(QStringLiteral("Label2"));
-    m_label2->setTextInteractionFlags(Qt::TextSelectableByMouse);
-
-    m_chkLog = new QCheckBox(QStringLiteral("Log"), central);
-    m_chkLog->setObjectName(QStringLiteral("chkLog"));
-    // toggled, not clicked: the box changed in code must act like a click, and an unchanged one must not.
-    connect(m_chkLog, &QCheckBox::toggled, this, &f_Ping::chkLog_Click);
-    m_cmdShowLog = new QPushButton(QStringLiteral("Show Log"), central);
-    m_cmdShowLog->setObjectName(QStringLiteral("cmdShowLog"));
-    connect(m_cmdShowLog, &QPushButton::clicked, this, &f_Ping::cmdShowLog_Click);
-    m_cmdLogClear = new QPushButton(QStringLiteral("Clear Log"), central);
-    m_cmdLogClear->setObjectName(QStringLiteral("cmdLogClear"));
-    connect(m_cmdLogClear, &QPushButton::clicked, this, &f_Ping::cmdLogClear_Click);
-
-    grid->addWidget(m_cmb, 0, 0, 1, 3);
-    grid->addWidget(lblTime, 0, 3);
-    grid->addWidget(m_txtTime, 0, 4);
-    grid->addWidget(m_command1, 0, 5);
-    grid->addWidget(m_command2, 0, 6);
-
-    auto *results = new QHBoxLayout;
-    results->addWidget(m_shpStatus);
-    results->addWidget(m_label1, 2);
-    results->addWidget(m_label2, 1);
-    grid->addLayout(results, 1, 0, 1, 7);
-
-    auto *logRow = new QHBoxLayout;
-    logRow->addWidget(m_chkLog);
-    logRow->addStretch(1);
-    logRow->addWidget(m_cmdShowLog);
-    logRow->addWidget(m_cmdLogClear);
-    grid->addLayout(logRow, 2, 0, 1, 7);
-    grid->setRowStretch(3, 1);
-    grid->setColumnStretch(0, 1);
-    setCentralWidget(central);
-
-    m_lblStatus = new QLabel(this);
-    m_lblStatus->setObjectName(QStringLiteral("lblStatus"));
-    statusBar()->addWidget(m_lblStatus, 1);
-    m_imgSMS = new QLabel(this);
-    m_imgSMS->setObjectName(QStringLiteral("imgSMS"));
-    m_imgSMS->setPixmap(ResourceIcon::pixmap(QStringLiteral("YELLOW"), m_lblStatus->fontMetrics().height()));
-    m_imgSMS->setToolTip(QStringLiteral("Sending SMS ..."));
-    m_imgSMS->hide();
-    statusBar()->addPermanentWidget(m_imgSMS);
-    connect(m_sms, &SmsAlerts::imgSMSVisibleChanged, m_imgSMS, &QWidget::setVisible);
-    connect(m_sms, &SmsAlerts::statusText, this, &f_Ping::setStatusText);
 }
 
 void f_Ping::Form_Load()
@@ -252,6 +170,40 @@ void f_Ping::cmb_Click()
 {
     m_label1->clear();
     m_label2->clear();
+}
+
+void f_Ping::cmb_DropDown()
+{
+    const QString text = m_cmb->currentText();
+    if (text.isEmpty())
+        return;
+    const int found = m_cmb->findText(text, Qt::MatchExactly | Qt::MatchCaseSensitive);
+    if (found >= 0)
+        m_cmb->setCurrentIndex(found);
+    else
+        m_cmb->addItem(text);
+}
+
+void f_Ping::chkHosts_Click()
+{
+    if (m_cycle->isMonitoring())
+        Command2_Click();
+    const bool editing = m_chkHosts->isChecked();
+    if (editing) {
+        QStringList entries;
+        for (int i = 0; i < m_cmb->count(); ++i)
+            entries << m_cmb->itemText(i);
+        m_hostEditor->rebuild(entries);
+        m_display->setCurrentWidget(m_hostEditor);
+    } else {
+        m_hostEditor->commitPendingEdit();
+        m_display->setCurrentWidget(m_fraGraph);
+    }
+    // Nothing may be probed while the list is edited.
+    m_cmb->setEnabled(!editing);
+    m_command1->setEnabled(!editing);
+    if (!editing)
+        m_cmb->setFocus();
 }
 
 QTimer &f_Ping::Timer1()

@@ -13,8 +13,11 @@ class PingLog;
 class SmsAlerts;
 class Ping;
 class PollingCycle;
+class HostComboBox;
+class HostListEditor;
 class QCheckBox;
-class QComboBox;
+class QGroupBox;
+class QStackedWidget;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -41,6 +44,8 @@ public:
     void cmdShowLog_Click();
     void cmdLogClear_Click();
     void cmb_Click();
+    void cmb_DropDown();
+    void chkHosts_Click();
 
     PollingCycle &cycle() { return *m_cycle; }
     Ping &png() { return *m_png; }
@@ -82,7 +87,7 @@ private:
     bool m_busyPointer = false;
     bool m_unloaded = false;
 
-    QComboBox *m_cmb = nullptr;
+    HostComboBox *m_cmb = nullptr;
     QLineEdit *m_txtTime = nullptr;
     QPushButton *m_command1 = nullptr;
     QPushButton *m_command2 = nullptr;
@@ -94,4 +99,9 @@ private:
     QPushButton *m_cmdLogClear = nullptr;
     QLabel *m_lblStatus = nullptr;
     QLabel *m_imgSMS = nullptr;
+    QStackedWidget *m_display = nullptr;
+    QGroupBox *m_fraGraph = nullptr;
+    HostListEditor *m_hostEditor = nullptr;
+    QCheckBox *m_chkHosts = nullptr;
+    QPushButton *m_cmdOptions = nullptr;
 };

@@ -1,0 +1,7 @@
+#include "core/window/hostcombobox.h"
+
+void HostComboBox::showPopup()
+{
+    Q_EMIT dropDown();
+    QComboBox::showPopup();
+}
