@@ -36,4 +36,5 @@ add_custom_command(OUTPUT ${SONDAR_COUNTRY_TXT}
 add_custom_target(sondar_country_txt ALL DEPENDS ${SONDAR_COUNTRY_TXT})
 # Whatever links the lookup gets the file built too.
 add_dependencies(sondar_whois sondar_country_txt)
-install(FILES ${SONDAR_COUNTRY_TXT} DESTINATION bin)
+include(GNUInstallDirs)
+install(FILES ${SONDAR_COUNTRY_TXT} DESTINATION ${CMAKE_INSTALL_DATADIR}/sondar)

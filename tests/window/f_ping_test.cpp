@@ -174,3 +174,41 @@ TEST_F(MainWindow, ChoosingAHostClearsTheTimeAndAddressLabels)
 }
 
 } // namespace
+
+namespace {
+
+TEST_F(MainWindow, ShowLogOpensTheHostsLogInTheUsersEditorWithoutADesktop)
+{
+    const QString marker = dir.filePath(QStringLiteral("opened"));
+    const QString editor = dir.filePath(QStringLiteral("editor.sh"));
+    QFile script(editor);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\nprintf '%s' \"$1\" > \"$(dirname \"$0\")/opened\"\n");
+    script.close();
+    script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    qputenv("VISUAL", editor.toLocal8Bit());
+    settings().SaveSetting(QStringLiteral("Load"), QStringLiteral("LogOne"), QStringLiteral("0"));
+    QFile log(dir.filePath(QStringLiteral("example.log")));
+    ASSERT_TRUE(log.open(QIODevice::WriteOnly));
+    log.close();
+    load();
+    child<QComboBox>("cmb")->setEditText(QStringLiteral("example"));
+    QTest::mouseClick(child<QPushButton>("cmdShowLog"), Qt::LeftButton);
+    qunsetenv("VISUAL");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(marker); }, 5000));
+    EXPECT_EQ(readFile(QStringLiteral("opened")), log.fileName().toLocal8Bit());
+}
+
+TEST_F(MainWindow, ClearLogDeletesTheCommonLogOnly)
+{
+    for (const char *name : {"sondar.log", "example.log"}) {
+        QFile file(dir.filePath(QLatin1String(name)));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    }
+    load();
+    QTest::mouseClick(child<QPushButton>("cmdLogClear"), Qt::LeftButton);
+    EXPECT_FALSE(QFile::exists(dir.filePath(QStringLiteral("sondar.log"))));
+    EXPECT_TRUE(QFile::exists(dir.filePath(QStringLiteral("example.log"))));
+}
+
+} // namespace
