@@ -2,6 +2,7 @@
 
 #include "app/pingcommand.h"
 #include "app/terminalsink.h"
+#include "app/tracecommand.h"
 #include "app/windowcommand.h"
 #include "core/productinfo.h"
 #include "platform/clock.h"
@@ -22,6 +23,10 @@ const char *const Usage =
     "                                         watch HOST in the terminal: one line per sample\n"
     "                                         (time, address, level); exit 0 when the last\n"
     "                                         sample answered, 1 otherwise\n"
+    "       sondar trace HOST [--timeout MS] [--dir PATH]\n"
+    "                                         trace the route to HOST hop by hop: every log\n"
+    "                                         line as it comes, then the table of hops;\n"
+    "                                         Ctrl-C cancels\n"
     "       sondar --help | --version\n"
     "\n"
     "Options:\n"
@@ -30,7 +35,8 @@ const char *const Usage =
     "                 else ~/.local/share/Sondar\n"
     "  --period S     seconds between samples (default: the stored retry time)\n"
     "  --count N      stop after N samples (default: run until Ctrl-C)\n"
-    "  --log          append every sample to the log\n";
+    "  --log          append every sample to the log\n"
+    "  --timeout MS   how long each echo of a trace waits (default 1000)\n";
 
 int usageError(const QString &message)
 {
@@ -50,6 +56,7 @@ struct Arguments {
     QString dir;
     QString period;
     QString count;
+    QString timeout;
     bool log = false;
 };
 
@@ -75,6 +82,9 @@ std::optional<Arguments> parse(const QStringList &args, QString &error)
         } else if (arg == QLatin1String("--count")) {
             if (!value(parsed.count))
                 return std::nullopt;
+        } else if (arg == QLatin1String("--timeout")) {
+            if (!value(parsed.timeout))
+                return std::nullopt;
         } else if (arg == QLatin1String("--log")) {
             parsed.log = true;
         } else if (arg.startsWith(QLatin1String("--"))) {
@@ -96,6 +106,30 @@ std::optional<int> wholeNumber(const QString &text, int minimum)
     if (!ok || n < minimum)
         return std::nullopt;
     return n;
+}
+
+QString resolvedProgramDir(const QString &dirOption)
+{
+    const QString dir = programdir::resolve(dirOption, QCoreApplication::applicationDirPath());
+    if (dir.isEmpty())
+        std::fprintf(stderr, "sondar: cannot use the program directory %s\n", qPrintable(dirOption));
+    return dir;
+}
+
+int trace(int argc, char **argv, const Arguments &parsed)
+{
+    int timeoutMs = defaultTraceTimeoutMs;
+    if (!parsed.timeout.isEmpty()) {
+        const auto timeout = wholeNumber(parsed.timeout, 1);
+        if (!timeout || *timeout > 60000)
+            return usageError(QStringLiteral("--timeout takes whole milliseconds from 1 to 60000"));
+        timeoutMs = *timeout;
+    }
+    QCoreApplication app(argc, argv);
+    const QString dir = resolvedProgramDir(parsed.dir);
+    if (dir.isEmpty())
+        return 2;
+    return runTraceCommand(parsed.positional.first(), timeoutMs, dir);
 }
 
 } // namespace
@@ -127,10 +161,12 @@ int sondarMain(int argc, char **argv)
         }
         return runWindow(argc, argv, parsed->dir);
     }
-    if (parsed->command != QLatin1String("ping"))
+    if (parsed->command != QLatin1String("ping") && parsed->command != QLatin1String("trace"))
         return usageError(QStringLiteral("unknown command ") + parsed->command);
     if (parsed->positional.size() != 1)
-        return usageError(QStringLiteral("ping takes one HOST"));
+        return usageError(parsed->command + QStringLiteral(" takes one HOST"));
+    if (parsed->command == QLatin1String("trace"))
+        return trace(argc, argv, *parsed);
 
     PingCommandOptions options;
     options.host = parsed->positional.first();
@@ -151,11 +187,9 @@ int sondarMain(int argc, char **argv)
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(productinfo::productName());
     QCoreApplication::setOrganizationName(productinfo::productName());
-    const QString dir = programdir::resolve(parsed->dir, QCoreApplication::applicationDirPath());
-    if (dir.isEmpty()) {
-        std::fprintf(stderr, "sondar: cannot use the program directory %s\n", qPrintable(parsed->dir));
+    const QString dir = resolvedProgramDir(parsed->dir);
+    if (dir.isEmpty())
         return 2;
-    }
     SettingsStore settings;
     SystemClock clock;
     TerminalSink sink;

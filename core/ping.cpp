@@ -13,6 +13,11 @@ namespace {
 
 constexpr int requestTtl = 255;
 
+QString noIp()
+{
+    return QStringLiteral("No IP");
+}
+
 } // namespace
 
 struct Ping::Outcome {
@@ -94,7 +99,7 @@ QString Ping::StatusText(uint32_t status)
 QString Ping::resolvedText(const QString &host)
 {
     const auto address = resolver::lookup(host);
-    return address ? resolver::formatAddress(*address) : QStringLiteral("No IP");
+    return address ? resolver::formatAddress(*address) : noIp();
 }
 
 Ping::Outcome Ping::probe(const QString &host, int timeoutMs)
@@ -140,6 +145,13 @@ void Ping::report(const Outcome &outcome)
         emit icmpUnavailable(outcome.unavailableHelp);
     }
     const IcmpEcho::Result &result = outcome.result;
+    // The all-ones address an unresolved host is sent to is refused here, where the monitor's
+    // original platform answered it at once with success: the cycle tells an unresolved host by
+    // that PingOK(0) together with LastIP "No IP".
+    if (result.replyCount == 0 && outcome.lastIp == noIp() && result.status == IcmpEcho::GeneralFailure) {
+        emit PingOK(0);
+        return;
+    }
     if (result.replyCount == 0)
         emit PingError(QStringLiteral("Ping failed : ") + StatusText(result.status));
     else if (result.reply.status != IcmpEcho::Success)

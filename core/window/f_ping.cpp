@@ -8,10 +8,14 @@
 #include "core/retrytime.h"
 #include "core/smsalerts.h"
 #include "core/textnumbers.h"
+#include "core/twips.h"
 #include "core/trappedprocedure.h"
 #include "core/window/hostcombobox.h"
 #include "core/window/statuslamp.h"
 #include "display/hostlisteditor.h"
+#include "trace/widgets/sdtrace.h"
+#include "whois/countrytable.h"
+#include "whois/wsock.h"
 #include "core/window/texteditor.h"
 #include "platform/clock.h"
 #include "platform/settingsstore.h"
@@ -20,6 +24,7 @@
 
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGuiApplication>
@@ -30,6 +35,7 @@
 #include <QGroupBox>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QToolButton>
 #include <QTimer>
 
 namespace {
@@ -46,6 +52,7 @@ QString loadSetting(const SettingsStore &settings, const char *key, const char *
 f_Ping::f_Ping(const Environment &env, QWidget *parent)
     : QMainWindow(parent)
     , m_env(env)
+    , m_countries(std::make_unique<CountryTable>(CountryTable::locate(env.programDir, QCoreApplication::applicationDirPath())))
     , m_log(std::make_unique<PingLog>(env.programDir, env.logBaseName, env.settings, env.clock))
     , m_png(new Ping(this))
 {
@@ -78,6 +85,11 @@ void f_Ping::Form_Load()
     procedure.step(2, [&] { m_cycle->startHoldOff(); });
     procedure.step(3, [&] { m_levels.LoadLevelScale(m_env.settings); });
     procedure.step(4, [&] { setWindowTitle(productinfo::caption()); });
+    procedure.step(5, [&] {
+        const QSignalBlocker blocker(m_chkMode);
+        m_chkMode->setChecked(false);
+        chkMode_Click();
+    });
     procedure.step(7, [&] { loadHostList(); });
     procedure.step(9, [&] {
         if (textnumbers::toInteger(loadSetting(m_env.settings, "AutoPing", "0")) == 1)
@@ -103,16 +115,60 @@ void f_Ping::loadHostList()
         m_cmb->setCurrentIndex(0);
 }
 
+bool f_Ping::isTraceMode() const
+{
+    return m_chkMode->isChecked();
+}
+
 void f_Ping::Command1_Click()
 {
-    m_cycle->Command1_Click(m_txtTime->text());
+    if (!isTraceMode()) {
+        m_cycle->Command1_Click(m_txtTime->text());
+        return;
+    }
+    if (!m_cmb->currentText().isEmpty())
+        m_sdTrace1->StartTrace(m_cmb->currentText(), retrytime::timerIntervalMs(m_txtTime->text()));
 }
 
 void f_Ping::Command2_Click()
 {
+    if (isTraceMode()) {
+        m_sdTrace1->StopTrace();
+        return;
+    }
     m_cycle->Command2_Click();
     m_chkLog->setChecked(false);
     m_log->pause();
+}
+
+void f_Ping::chkMode_Click()
+{
+    // Stop runs in the mode being entered, so it stops that mode's activity: leaving Ping mode
+    // cancels a trace and leaves the timer running; leaving Trace mode stops the timer.
+    Command2_Click();
+    {
+        const QSignalBlocker blocker(m_chkHosts);
+        m_chkHosts->setChecked(false);
+    }
+    chkHosts_Click();
+    const bool trace = isTraceMode();
+    const QString tip = trace ? QStringLiteral("Mode: Trace") : QStringLiteral("Mode: Ping");
+    m_LDPIC->setIcon(ResourceIcon::load(trace ? QStringLiteral("TRACE") : QStringLiteral("PING")));
+    m_LDPIC->setIconSize(QSize(twips::toPixels(240, logicalDpiX()), twips::toPixels(240, logicalDpiY())));
+    m_LDPIC->setToolTip(tip);
+    m_chkMode->setToolTip(tip);
+    m_command1->setText(trace ? QStringLiteral("Trace") : QStringLiteral("Ping"));
+    showModePage();
+}
+
+void f_Ping::showModePage()
+{
+    if (isTraceMode()) {
+        m_display->setCurrentWidget(m_sdTrace1);
+        m_sdTrace1->raise();
+    } else {
+        m_display->setCurrentWidget(m_fraGraph);
+    }
 }
 
 void f_Ping::txtTime_Change()
@@ -197,7 +253,7 @@ void f_Ping::chkHosts_Click()
         m_display->setCurrentWidget(m_hostEditor);
     } else {
         m_hostEditor->commitPendingEdit();
-        m_display->setCurrentWidget(m_fraGraph);
+        showModePage();
     }
     // Nothing may be probed while the list is edited.
     m_cmb->setEnabled(!editing);
@@ -293,6 +349,9 @@ void f_Ping::Form_Unload()
     if (m_unloaded)
         return;
     m_unloaded = true;
+    m_sdTrace1->StopTrace();
     m_log->pause();
+    if (WSOCK::started())
+        WSOCK::cleanUp();
     setBusyPointer(false);
 }

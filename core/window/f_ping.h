@@ -13,11 +13,14 @@ class PingLog;
 class SmsAlerts;
 class Ping;
 class PollingCycle;
+class CountryTable;
 class HostComboBox;
 class HostListEditor;
 class QCheckBox;
 class QGroupBox;
 class QStackedWidget;
+class QToolButton;
+class sdTrace;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -46,11 +49,14 @@ public:
     void cmb_Click();
     void cmb_DropDown();
     void chkHosts_Click();
+    void chkMode_Click();
 
     PollingCycle &cycle() { return *m_cycle; }
     Ping &png() { return *m_png; }
     PingLog &log() { return *m_log; }
     SmsAlerts &sms() { return *m_sms; }
+    sdTrace &traceView() { return *m_sdTrace1; }
+    bool isTraceMode() const;
     const QDateTime &loadTime() const { return m_loadTime; }
     QTimer &Timer1();
 
@@ -76,9 +82,11 @@ private:
     void Form_QueryUnload();
     void Form_Unload();
     void setStatusText(const QString &text);
+    void showModePage();
 
     Environment m_env;
     LevelScale m_levels;
+    std::unique_ptr<CountryTable> m_countries;
     std::unique_ptr<PingLog> m_log;
     Ping *m_png = nullptr;
     PollingCycle *m_cycle = nullptr;
@@ -104,4 +112,7 @@ private:
     HostListEditor *m_hostEditor = nullptr;
     QCheckBox *m_chkHosts = nullptr;
     QPushButton *m_cmdOptions = nullptr;
+    QCheckBox *m_chkMode = nullptr;
+    QToolButton *m_LDPIC = nullptr;
+    sdTrace *m_sdTrace1 = nullptr;
 };

@@ -7,6 +7,7 @@
 #include "core/window/statuslamp.h"
 #include "display/hostlisteditor.h"
 #include "resources/resourceicon.h"
+#include "trace/widgets/sdtrace.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
@@ -17,6 +18,7 @@
 #include <QPushButton>
 #include <QStackedWidget>
 #include <QStatusBar>
+#include <QToolButton>
 
 namespace {
 
@@ -33,6 +35,14 @@ T *named(const char *name, Args &&...args)
 void f_Ping::buildControls()
 {
     auto *central = named<QWidget>("picMain", this);
+
+    // The mode picture lies over the mode check box and toggles it.
+    m_chkMode = named<QCheckBox>("chkMode", central);
+    m_chkMode->hide();
+    connect(m_chkMode, &QCheckBox::toggled, this, &f_Ping::chkMode_Click);
+    m_LDPIC = named<QToolButton>("LDPIC", central);
+    m_LDPIC->setAutoRaise(true);
+    connect(m_LDPIC, &QToolButton::clicked, m_chkMode, &QCheckBox::toggle);
 
     m_cmb = named<HostComboBox>("cmb", central);
     m_cmb->setEditable(true);
@@ -70,6 +80,9 @@ void f_Ping::buildControls()
     m_fraGraph = named<QGroupBox>("fraGraph", QStringLiteral("Ping graph"), m_display);
     m_fraGraph->setToolTip(QStringLiteral("DoubleClick and set points colors and scale of graph"));
     m_display->addWidget(m_fraGraph);
+    m_sdTrace1 = new sdTrace(*m_countries, m_display);
+    m_sdTrace1->setObjectName(QStringLiteral("sdTrace1"));
+    m_display->addWidget(m_sdTrace1);
     m_hostEditor = named<HostListEditor>("HostListEditor", m_display);
     m_display->addWidget(m_hostEditor);
     connect(m_hostEditor, &HostListEditor::entryAppended, this, [this](const QString &host) { m_cmb->addItem(host); });
@@ -90,6 +103,7 @@ void f_Ping::buildControls()
     m_cmdOptions = named<QPushButton>("cmdOptions", QStringLiteral("Options..."), central);
 
     auto *top = new QHBoxLayout;
+    top->addWidget(m_LDPIC);
     top->addWidget(m_cmb, 1);
     top->addSpacing(8);
     top->addWidget(lblTime);
@@ -126,4 +140,5 @@ void f_Ping::buildControls()
     statusBar()->addPermanentWidget(m_imgSMS);
     connect(m_sms, &SmsAlerts::imgSMSVisibleChanged, m_imgSMS, &QWidget::setVisible);
     connect(m_sms, &SmsAlerts::statusText, this, &f_Ping::setStatusText);
+    m_sdTrace1->setCaptionTargets(m_cmb, m_label2, m_label1);
 }

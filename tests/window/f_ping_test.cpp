@@ -16,8 +16,10 @@ namespace {
 class MainWindow : public WindowFixture
 {
 protected:
+    // Logging on, as a user who ticked the log box would have it.
     void startOn(const QString &host, const QString &period = QStringLiteral("1"))
     {
+        settings().SaveSetting(QStringLiteral("Load"), QStringLiteral("AutoLog"), QStringLiteral("1"));
         load();
         child<QComboBox>("cmb")->setEditText(host);
         child<QLineEdit>("txtTime")->setText(period);
@@ -86,7 +88,6 @@ TEST_F(MainWindow, AReplyFillsTheLabelsLampCaptionAndLog)
     EXPECT_EQ(lamp(), 65280u);
     const QString ms = label("Label1").mid(6);
     EXPECT_EQ(window->windowTitle(), QStringLiteral("Sondar (c) 2026 The Sondar developers : ") + ms + QStringLiteral("ms"));
-    // Logging runs from start until the first pause, whatever the unchecked box says.
     EXPECT_EQ(readFile(QStringLiteral("sondar.log")),
               (clock.now().toString(QStringLiteral("dd.MM.yyyy hh:mm:ss")) + QStringLiteral("\t127.0.0.1\t") + ms
                + QStringLiteral("\r\n"))

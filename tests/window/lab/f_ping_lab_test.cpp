@@ -25,6 +25,7 @@ protected:
     // One sample of `host`; returns the level name the sample was shown with.
     QString sampleOf(const QString &host, const QString &period = QStringLiteral("5"))
     {
+        settings().SaveSetting(QStringLiteral("Load"), QStringLiteral("AutoLog"), QStringLiteral("1"));
         load();
         child<QComboBox>("cmb")->setEditText(host);
         child<QLineEdit>("txtTime")->setText(period);
