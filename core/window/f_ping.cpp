@@ -12,7 +12,10 @@
 #include "core/trappedprocedure.h"
 #include "core/window/hostcombobox.h"
 #include "core/window/statuslamp.h"
+#include "core/window/aboutbox.h"
+#include "display/clssystray.h"
 #include "display/hostlisteditor.h"
+#include "display/pinggraph.h"
 #include "trace/widgets/sdtrace.h"
 #include "whois/countrytable.h"
 #include "whois/wsock.h"
@@ -30,6 +33,7 @@
 #include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QMenu>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QGroupBox>
@@ -62,7 +66,11 @@ f_Ping::f_Ping(const Environment &env, QWidget *parent)
     m_sms = new SmsAlerts(env.settings, env.clock, env.sink, [this] { return m_cycle->isMonitoring(); },
                           &SmsGateway::create, this);
     m_cycle->setCheckSms([this](const QString &host, int value) { m_sms->CheckSMS(host, value); });
+    m_gSysTray = new clsSysTray(this);
+    m_gSysTray->setObjectName(QStringLiteral("gSysTray"));
     buildControls();
+    connect(m_gSysTray, &clsSysTray::RButtonUp, this, [this] { m_mnuMain->popup(QCursor::pos()); });
+    resize(sizeHint().expandedTo(QSize(640, 420)));
     setWindowTitle(productinfo::caption());
     setWindowIcon(ResourceIcon::load(QStringLiteral("A_")));
 }
@@ -91,6 +99,19 @@ void f_Ping::Form_Load()
         chkMode_Click();
     });
     procedure.step(7, [&] { loadHostList(); });
+    procedure.step(8, [&] {
+        m_gSysTray->setSourceWindow(this);
+        m_gSysTray->setDefaultDblClk(true);
+        m_gSysTray->ChangeToolTip(windowTitle());
+        // The graph's number of points follows its width now, so the layouts must have placed it,
+        // hidden as the window still is.
+        for (QWidget *level : {static_cast<QWidget *>(this), centralWidget(), static_cast<QWidget *>(m_display)}) {
+            level->layout()->invalidate();
+            level->layout()->activate();
+        }
+        m_graph->createPointBuffer();
+        m_graph->RebuildGraphFrame(m_env.settings);
+    });
     procedure.step(9, [&] {
         if (textnumbers::toInteger(loadSetting(m_env.settings, "AutoPing", "0")) == 1)
             Command1_Click();
@@ -167,7 +188,7 @@ void f_Ping::showModePage()
         m_display->setCurrentWidget(m_sdTrace1);
         m_sdTrace1->raise();
     } else {
-        m_display->setCurrentWidget(m_fraGraph);
+        m_display->setCurrentWidget(m_graph);
     }
 }
 
@@ -312,16 +333,81 @@ void f_Ping::showProbing()
 {
     setWindowIcon(ResourceIcon::load(QStringLiteral("YELLOW")));
     setWindowTitle(QStringLiteral("Pinging ..."));
+    showInTray();
 }
 
 void f_Ping::showResultState(const QString &caption, const QString &levelName)
 {
     setWindowIcon(ResourceIcon::load(isMinimised() ? levelName : QStringLiteral("A_")));
     setWindowTitle(caption);
+    showInTray();
 }
 
-void f_Ping::addGraphPoint(int32_t)
+void f_Ping::showInTray()
 {
+    m_gSysTray->ChangeIcon(windowIcon());
+    m_gSysTray->ChangeToolTip(windowTitle());
+}
+
+void f_Ping::addGraphPoint(int32_t value)
+{
+    m_graph->AddGraphPoint(value);
+}
+
+void f_Ping::fraGraph_DblClick()
+{
+    Command2_Click();
+    TrappedProcedure procedure(m_env.sink, QStringLiteral("f_Ping"), QStringLiteral("fraGraph_DblClick"),
+                               productinfo::productName());
+    procedure.step(1, [&] { m_graph->RebuildGraphFrame(m_env.settings); });
+}
+
+void f_Ping::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    // Queued: hiding a window inside its own state change confuses some window managers.
+    if (event->type() == QEvent::WindowStateChange)
+        QTimer::singleShot(0, this, &f_Ping::Form_Resize);
+}
+
+void f_Ping::Form_Resize()
+{
+    if (m_unloaded)
+        return;
+    if (!isMinimised()) {
+        setWindowIcon(ResourceIcon::load(QStringLiteral("A_")));
+        return;
+    }
+    if (!m_gSysTray->MinToSysTray() && !m_toldNoTray) {
+        m_toldNoTray = true;
+        setStatusText(QStringLiteral("This desktop has no system tray: Sondar stays in the task bar when minimised."));
+    }
+    m_gSysTray->ChangeIcon(windowIcon());
+}
+
+void f_Ping::mnuMain_about_Click()
+{
+    AboutBox(this).exec();
+}
+
+void f_Ping::mnuMain_start_Click()
+{
+    Command1_Click();
+}
+
+void f_Ping::mnuMain_stop_Click()
+{
+    Command2_Click();
+}
+
+void f_Ping::mnuMain_show_Click()
+{
+    m_gSysTray->ShowNormal();
+}
+
+void f_Ping::mnuMain_exit_Click()
+{
+    close();
 }
 
 void f_Ping::setStatusText(const QString &text)
@@ -349,6 +435,7 @@ void f_Ping::Form_Unload()
     if (m_unloaded)
         return;
     m_unloaded = true;
+    m_gSysTray->RemoveFromSysTray();
     m_sdTrace1->StopTrace();
     m_log->pause();
     if (WSOCK::started())

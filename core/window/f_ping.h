@@ -14,10 +14,12 @@ class SmsAlerts;
 class Ping;
 class PollingCycle;
 class CountryTable;
+class PingGraph;
+class QMenu;
+class clsSysTray;
 class HostComboBox;
 class HostListEditor;
 class QCheckBox;
-class QGroupBox;
 class QStackedWidget;
 class QToolButton;
 class sdTrace;
@@ -50,12 +52,21 @@ public:
     void cmb_DropDown();
     void chkHosts_Click();
     void chkMode_Click();
+    void fraGraph_DblClick();
+    void mnuMain_about_Click();
+    void mnuMain_start_Click();
+    void mnuMain_stop_Click();
+    void mnuMain_show_Click();
+    void mnuMain_exit_Click();
 
     PollingCycle &cycle() { return *m_cycle; }
     Ping &png() { return *m_png; }
     PingLog &log() { return *m_log; }
     SmsAlerts &sms() { return *m_sms; }
     sdTrace &traceView() { return *m_sdTrace1; }
+    PingGraph &graph() { return *m_graph; }
+    clsSysTray &sysTray() { return *m_gSysTray; }
+    QMenu &trayMenu() { return *m_mnuMain; }
     bool isTraceMode() const;
     const QDateTime &loadTime() const { return m_loadTime; }
     QTimer &Timer1();
@@ -74,6 +85,7 @@ public:
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -83,6 +95,9 @@ private:
     void Form_Unload();
     void setStatusText(const QString &text);
     void showModePage();
+    void buildTrayMenu();
+    void Form_Resize();
+    void showInTray();
 
     Environment m_env;
     LevelScale m_levels;
@@ -108,7 +123,10 @@ private:
     QLabel *m_lblStatus = nullptr;
     QLabel *m_imgSMS = nullptr;
     QStackedWidget *m_display = nullptr;
-    QGroupBox *m_fraGraph = nullptr;
+    PingGraph *m_graph = nullptr;
+    clsSysTray *m_gSysTray = nullptr;
+    QMenu *m_mnuMain = nullptr;
+    bool m_toldNoTray = false;
     HostListEditor *m_hostEditor = nullptr;
     QCheckBox *m_chkHosts = nullptr;
     QPushButton *m_cmdOptions = nullptr;

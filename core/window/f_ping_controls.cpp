@@ -6,13 +6,16 @@
 #include "core/window/hostcombobox.h"
 #include "core/window/statuslamp.h"
 #include "display/hostlisteditor.h"
+#include "display/pinggraph.h"
 #include "resources/resourceicon.h"
 #include "trace/widgets/sdtrace.h"
 
 #include <QCheckBox>
 #include <QGridLayout>
-#include <QGroupBox>
+#include <QMenu>
 #include <QHBoxLayout>
+
+#include <array>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -77,9 +80,10 @@ void f_Ping::buildControls()
     m_label2->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
 
     m_display = named<QStackedWidget>("picDisplay", central);
-    m_fraGraph = named<QGroupBox>("fraGraph", QStringLiteral("Ping graph"), m_display);
-    m_fraGraph->setToolTip(QStringLiteral("DoubleClick and set points colors and scale of graph"));
-    m_display->addWidget(m_fraGraph);
+    m_graph = new PingGraph(m_levels, m_display);
+    m_graph->setObjectName(QStringLiteral("fraGraph"));
+    m_display->addWidget(m_graph);
+    connect(m_graph, &PingGraph::doubleClicked, this, &f_Ping::fraGraph_DblClick);
     m_sdTrace1 = new sdTrace(*m_countries, m_display);
     m_sdTrace1->setObjectName(QStringLiteral("sdTrace1"));
     m_display->addWidget(m_sdTrace1);
@@ -141,4 +145,26 @@ void f_Ping::buildControls()
     connect(m_sms, &SmsAlerts::imgSMSVisibleChanged, m_imgSMS, &QWidget::setVisible);
     connect(m_sms, &SmsAlerts::statusText, this, &f_Ping::setStatusText);
     m_sdTrace1->setCaptionTargets(m_cmb, m_label2, m_label1);
+    buildTrayMenu();
+}
+
+void f_Ping::buildTrayMenu()
+{
+    m_mnuMain = named<QMenu>("mnuMain", this);
+    const std::pair<const char *, const char *> entries[] = {
+        {"mnuMain_about", "&About"}, {"mnuMain_start", "&Start"}, {"mnuMain_stop", "Sto&p"},
+        {nullptr, nullptr},          {"mnuMain_show", "Sho&w"},   {"mnuMain_exit", "&Exit"},
+    };
+    const std::array handlers{&f_Ping::mnuMain_about_Click, &f_Ping::mnuMain_start_Click, &f_Ping::mnuMain_stop_Click,
+                              &f_Ping::mnuMain_show_Click, &f_Ping::mnuMain_exit_Click};
+    auto handler = handlers.begin();
+    for (const auto &[name, caption] : entries) {
+        if (!name) {
+            m_mnuMain->addSeparator();
+            continue;
+        }
+        QAction *action = m_mnuMain->addAction(QLatin1String(caption));
+        action->setObjectName(QLatin1String(name));
+        connect(action, &QAction::triggered, this, *handler++);
+    }
 }
