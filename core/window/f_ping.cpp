@@ -75,10 +75,7 @@ f_Ping::f_Ping(const Environment &env, QWidget *parent)
     setWindowIcon(ResourceIcon::load(QStringLiteral("A_")));
 }
 
-f_Ping::~f_Ping()
-{
-    setBusyPointer(false);
-}
+f_Ping::~f_Ping() = default;
 
 void f_Ping::Form_Load()
 {
@@ -320,13 +317,7 @@ void f_Ping::setLamp(uint32_t colour)
 
 void f_Ping::setBusyPointer(bool busy)
 {
-    if (busy == m_busyPointer)
-        return;
-    m_busyPointer = busy;
-    if (busy)
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    else
-        QGuiApplication::restoreOverrideCursor();
+    m_pointer.set(busy);
 }
 
 void f_Ping::showProbing()
@@ -437,8 +428,8 @@ void f_Ping::Form_Unload()
     m_unloaded = true;
     m_gSysTray->RemoveFromSysTray();
     m_sdTrace1->StopTrace();
+    m_pointer.set(false);
     m_log->pause();
     if (WSOCK::started())
         WSOCK::cleanUp();
-    setBusyPointer(false);
 }

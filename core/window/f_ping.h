@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/busypointer.h"
 #include "core/cycleview.h"
 #include "core/environment.h"
 #include "core/levelscale.h"
@@ -107,7 +108,7 @@ private:
     PollingCycle *m_cycle = nullptr;
     SmsAlerts *m_sms = nullptr;
     QDateTime m_loadTime;
-    bool m_busyPointer = false;
+    BusyPointer m_pointer;
     bool m_unloaded = false;
 
     HostComboBox *m_cmb = nullptr;

@@ -1,4 +1,5 @@
 #include "core/hostlist.h"
+#include "tests/support/files.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -15,18 +16,8 @@ protected:
 
     QString path() const { return hostlist::filePath(m_dir.path()); }
 
-    void writeFile(const QByteArray &bytes) const
-    {
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-
-    QByteArray readFile() const
-    {
-        QFile file(path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    void writeFile(const QByteArray &bytes) const { ASSERT_TRUE(testfiles::write(path(), bytes)); }
+    QByteArray readFile() const { return testfiles::read(path()); }
 
     QTemporaryDir m_dir;
 };

@@ -1,4 +1,5 @@
 #include "platform/profilefile.h"
+#include "tests/support/files.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -22,18 +23,8 @@ protected:
 
     QString path() const { return m_dir.filePath(QStringLiteral("hosts.ini")); }
 
-    void writeFile(const QByteArray &bytes) const
-    {
-        QFile file(path());
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-    }
-
-    QByteArray readFile() const
-    {
-        QFile file(path());
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    void writeFile(const QByteArray &bytes) const { ASSERT_TRUE(testfiles::write(path(), bytes)); }
+    QByteArray readFile() const { return testfiles::read(path()); }
 
     QStringList dirEntries() const { return QDir(m_dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden); }
 

@@ -1,4 +1,5 @@
 #include "tests/trace/traceevents.h"
+#include "core/twips.h"
 #include "trace/tracegrid.h"
 #include "trace/widgets/sdtrace.h"
 #include "whois/countrytable.h"
@@ -96,7 +97,7 @@ TEST_F(TraceView, PutsTheGridBelowTheCaptionStripAndTheLabelRightOfTheIcon)
     EXPECT_EQ(strip->width(), m_view.width());
     EXPECT_EQ(flx().geometry().top(), strip->geometry().bottom() + 1);
     EXPECT_EQ(flx().geometry().bottom(), m_view.height() - 1);
-    EXPECT_EQ(label->x(), icon->x() + icon->width() + 100 * m_view.logicalDpiX() / 1440);
+    EXPECT_EQ(label->x(), icon->x() + icon->width() + twips::toPixels(100, m_view.logicalDpiX()));
     EXPECT_LE(label->geometry().right(), strip->contentsRect().right());
 }
 

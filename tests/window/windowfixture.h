@@ -4,6 +4,7 @@
 #include "core/pollingcycle.h"
 #include "core/window/f_ping.h"
 #include "platform/settingsstore.h"
+#include "tests/support/files.h"
 #include "tests/support/recordingsink.h"
 #include "tests/support/testclock.h"
 
@@ -57,11 +58,7 @@ protected:
         return QTest::qWaitFor([this] { return !window->cycle().isBusy(); }, ms);
     }
 
-    QByteArray readFile(const QString &name) const
-    {
-        QFile file(dir.filePath(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
+    QByteArray readFile(const QString &name) const { return testfiles::read(dir.filePath(name)); }
 
     QTemporaryDir dir;
     TestClock clock;

@@ -1,5 +1,6 @@
 #include "trace/widgets/sdtrace.h"
 
+#include "core/twips.h"
 #include "resources/resourceicon.h"
 #include "trace/trace.h"
 #include "trace/tracegrid.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr int twipsPerInch = 1440;
 constexpr int captionHeightTwips = 360;
 constexpr int captionIconTwips = 240;
 // The label starts this far right of the icon.
@@ -47,7 +47,7 @@ sdTrace::sdTrace(CountryTable &countries, QWidget *parent)
     QFont bold = lblCaption->font();
     bold.setBold(true);
     lblCaption->setFont(bold);
-    imgCaption->setPixmap(ResourceIcon::pixmap(QStringLiteral("TRACE"), twipsToPixelsY(captionIconTwips)));
+    imgCaption->setPixmap(ResourceIcon::pixmap(QStringLiteral("TRACE"), twips::toPixels(captionIconTwips, logicalDpiY())));
 
     FLX->setModel(m_grid);
     FLX->verticalHeader()->hide();
@@ -61,13 +61,13 @@ sdTrace::sdTrace(CountryTable &countries, QWidget *parent)
     connect(TRC, &Trace::IP, this, &sdTrace::TRC_IP);
     connect(TRC, &Trace::HostName, this, &sdTrace::TRC_HostName);
     connect(TRC, &Trace::OnError, this, &sdTrace::TRC_OnError);
-    connect(TRC, &Trace::pointerBusy, this, &sdTrace::setBusyPointer);
+    connect(TRC, &Trace::pointerBusy, this, [this](bool busy) { m_pointer.set(busy); });
     connect(FLX, &QTableView::clicked, this, &sdTrace::FLX_Click);
 }
 
 sdTrace::~sdTrace()
 {
-    setBusyPointer(false);
+    m_pointer.set(false);
 }
 
 void sdTrace::StartTrace(const QString &host, int timeoutMs)
@@ -81,7 +81,7 @@ void sdTrace::StartTrace(const QString &host, int timeoutMs)
 void sdTrace::StopTrace()
 {
     TRC->setCancelled(true);
-    setBusyPointer(false);
+    m_pointer.set(false);
 }
 
 WId sdTrace::hwnd() const
@@ -167,12 +167,12 @@ bool sdTrace::eventFilter(QObject *watched, QEvent *event)
 void sdTrace::resizeEvent(QResizeEvent *event)
 {
     QWidget::resizeEvent(event);
-    const int stripHeight = twipsToPixelsY(captionHeightTwips);
+    const int stripHeight = twips::toPixels(captionHeightTwips, logicalDpiY());
     picCaption->setGeometry(0, 0, width(), stripHeight);
     const QRect inner = picCaption->contentsRect();
-    const int icon = twipsToPixelsY(captionIconTwips);
+    const int icon = twips::toPixels(captionIconTwips, logicalDpiY());
     imgCaption->setGeometry(inner.left() + 2, inner.top() + (inner.height() - icon) / 2, icon, icon);
-    const int labelLeft = imgCaption->x() + imgCaption->width() + twipsToPixelsX(captionGapTwips);
+    const int labelLeft = imgCaption->x() + imgCaption->width() + twips::toPixels(captionGapTwips, logicalDpiX());
     lblCaption->setGeometry(labelLeft, inner.top(), inner.right() + 1 - labelLeft, inner.height());
     FLX->setGeometry(0, stripHeight, width(), height() - stripHeight);
 }
@@ -183,33 +183,14 @@ void sdTrace::formatFLX()
     FLX->setUpdatesEnabled(false);
     tracegrid::format(*m_grid);
     QHeaderView *header = FLX->horizontalHeader();
-    header->setFixedHeight(twipsToPixelsY(tracegrid::headerHeightTwips));
+    header->setFixedHeight(twips::toPixels(tracegrid::headerHeightTwips, logicalDpiY()));
     // The style's minimum is wider than the N column.
-    header->setMinimumSectionSize(twipsToPixelsX(*std::min_element(tracegrid::columnWidthsTwips.begin(),
-                                                                   tracegrid::columnWidthsTwips.end())));
+    header->setMinimumSectionSize(twips::toPixels(*std::min_element(tracegrid::columnWidthsTwips.begin(),
+                                                                   tracegrid::columnWidthsTwips.end()), logicalDpiX()));
     for (int column = 0; column < tracegrid::columnCount; ++column)
-        header->resizeSection(column, twipsToPixelsX(tracegrid::columnWidthsTwips[column]));
+        header->resizeSection(column, twips::toPixels(tracegrid::columnWidthsTwips[column], logicalDpiX()));
     FLX->setUpdatesEnabled(true);
 }
 
-// The pointer of the whole program, as the hourglass of a trace always was; set and reset in pairs.
-void sdTrace::setBusyPointer(bool busy)
-{
-    if (busy == m_busyPointer)
-        return;
-    m_busyPointer = busy;
-    if (busy)
-        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
-    else
-        QGuiApplication::restoreOverrideCursor();
-}
 
-int sdTrace::twipsToPixelsX(int twips) const
-{
-    return twips * logicalDpiX() / twipsPerInch;
-}
 
-int sdTrace::twipsToPixelsY(int twips) const
-{
-    return twips * logicalDpiY() / twipsPerInch;
-}

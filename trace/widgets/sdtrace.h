@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/busypointer.h"
+
 #include <QPointer>
 #include <QWidget>
 
@@ -53,9 +55,6 @@ private:
 
     void formatFLX();
     bool isHopCell(const QModelIndex &index) const;
-    void setBusyPointer(bool busy);
-    int twipsToPixelsX(int twips) const;
-    int twipsToPixelsY(int twips) const;
 
     Trace *TRC;
     QStandardItemModel *m_grid;
@@ -66,5 +65,5 @@ private:
     QPointer<QComboBox> m_cmb;
     QPointer<QLabel> m_label2;
     QPointer<QLabel> m_label1;
-    bool m_busyPointer = false;
+    BusyPointer m_pointer;
 };
