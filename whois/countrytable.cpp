@@ -19,7 +19,10 @@ QString CountryTable::locate(const QString &programDir, const QString &executabl
     const QString own = QDir(programDir).filePath(fileName);
     if (!programDir.isEmpty() && QFile::exists(own))
         return own;
-    return QDir(executableDir).filePath(fileName);
+    const QString beside = QDir(executableDir).filePath(fileName);
+    // An installed program keeps it with its other data: <prefix>/share/sondar beside <prefix>/bin.
+    const QString installed = QDir(executableDir).filePath(QStringLiteral("../share/sondar/") + fileName);
+    return QFile::exists(beside) || !QFile::exists(installed) ? beside : QDir::cleanPath(installed);
 }
 
 QString CountryTable::lookup(const QString &code)

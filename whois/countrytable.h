@@ -11,7 +11,7 @@ public:
     explicit CountryTable(QString filePath);
 
     // country.txt in the program directory when the user keeps one there, else the one shipped
-    // beside the executable.
+    // beside the executable, else the installed one in <prefix>/share/sondar.
     static QString locate(const QString &programDir, const QString &executableDir);
 
     QString filePath() const { return m_filePath; }
