@@ -32,6 +32,8 @@ int runWindow(int argc, char **argv, const QString &dirOption)
 
     f_Ping window(env);
     sink.setParent(&window);
+    // Closing from the tray menu closes a hidden window, which alone would not end the program.
+    QObject::connect(&window, &f_Ping::unloaded, &app, &QCoreApplication::quit, Qt::QueuedConnection);
     window.Form_Load();
     window.show();
     const QString help = IcmpEcho::unavailableHelp();

@@ -432,4 +432,5 @@ void f_Ping::Form_Unload()
     m_log->pause();
     if (WSOCK::started())
         WSOCK::cleanUp();
+    Q_EMIT unloaded();
 }

@@ -84,6 +84,10 @@ public:
     void showResultState(const QString &caption, const QString &levelName) override;
     void addGraphPoint(int32_t value) override;
 
+Q_SIGNALS:
+    // The window has closed for good; the program ends with it even while it sat in the tray.
+    void unloaded();
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     void changeEvent(QEvent *event) override;

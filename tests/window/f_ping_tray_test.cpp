@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
+#include <QSignalSpy>
 
 namespace {
 
@@ -41,8 +42,10 @@ TEST_F(TrayAndGraph, ExitFromTheMenuWritesTheHostListLikeAnyClose)
     auto *cmb = child<QComboBox>("cmb");
     cmb->addItem(QStringLiteral("added.example"));
     const int count = cmb->count();
+    QSignalSpy unloaded(window.get(), &f_Ping::unloaded);
     action("mnuMain_exit")->trigger();
     EXPECT_FALSE(window->isVisible());
+    EXPECT_EQ(unloaded.size(), 1);
     EXPECT_EQ(cINI(dir.filePath(QStringLiteral("hosts.ini"))).GetVal(QStringLiteral("HOST"), QString::number(count)),
               QStringLiteral("added.example"));
 }
