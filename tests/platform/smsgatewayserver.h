@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QByteArray>
 #include <QHostAddress>
 #include <QMap>
 #include <QTcpServer>
@@ -8,7 +7,6 @@
 #include <QVector>
 
 #include <memory>
-#include <optional>
 
 // A small HTTP/1.1 server on 127.0.0.1 that plays an SMS gateway: it keeps every request and
 // answers each with a fixed status, or never answers at all.
@@ -23,20 +21,35 @@ public:
     };
 
     explicit SmsGatewayServer(int status = 200)
-        : m_status(status)
     {
         m_server.listen(QHostAddress::LocalHost);
-        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this] {
+        QObject::connect(&m_server, &QTcpServer::newConnection, &m_server, [this, status] {
             while (QTcpSocket *socket = m_server.nextPendingConnection()) {
                 auto buffer = std::make_shared<QByteArray>();
-                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket, buffer] {
-                    buffer->append(socket->readAll());
-                    if (auto request = parse(*buffer)) {
-                        buffer->clear();
-                        answer(socket, std::move(*request));
-                    }
-                });
                 QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+                QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket, buffer, status] {
+                    buffer->append(socket->readAll());
+                    const qsizetype headEnd = buffer->indexOf("\r\n\r\n");
+                    if (headEnd < 0)
+                        return;
+                    const QList<QByteArray> lines = buffer->left(headEnd).split('\n');
+                    const QList<QByteArray> requestLine = lines.first().trimmed().split(' ');
+                    Request request{requestLine.value(0), requestLine.value(1), {}, {}};
+                    for (const QByteArray &line : lines.mid(1)) {
+                        if (const qsizetype colon = line.indexOf(':'); colon > 0)
+                            request.headers.insert(line.left(colon).trimmed().toLower(), line.mid(colon + 1).trimmed());
+                    }
+                    const qsizetype length = request.headers.value("content-length", "0").toLongLong();
+                    if (buffer->size() < headEnd + 4 + length)
+                        return;
+                    request.body = buffer->mid(headEnd + 4, length);
+                    buffer->clear();
+                    requests.append(request);
+                    if (m_silent)
+                        return;
+                    socket->write("HTTP/1.1 " + QByteArray::number(status) + " Answer\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
+                    socket->disconnectFromHost();
+                });
             }
         });
     }
@@ -49,47 +62,12 @@ public:
     {
         QTcpServer probe;
         probe.listen(QHostAddress::LocalHost);
-        const quint16 port = probe.serverPort();
-        probe.close();
-        return QStringLiteral("http://127.0.0.1:%1/sms/send").arg(port);
+        return QStringLiteral("http://127.0.0.1:%1/sms/send").arg(probe.serverPort());
     }
 
     QVector<Request> requests;
 
 private:
-    static std::optional<Request> parse(const QByteArray &buffer)
-    {
-        const qsizetype headEnd = buffer.indexOf("\r\n\r\n");
-        if (headEnd < 0)
-            return std::nullopt;
-        const QList<QByteArray> lines = buffer.left(headEnd).split('\n');
-        const QList<QByteArray> requestLine = lines.first().trimmed().split(' ');
-        Request request;
-        request.method = requestLine.value(0);
-        request.path = requestLine.value(1);
-        for (qsizetype i = 1; i < lines.size(); ++i) {
-            const qsizetype colon = lines[i].indexOf(':');
-            if (colon > 0)
-                request.headers.insert(lines[i].left(colon).trimmed().toLower(), lines[i].mid(colon + 1).trimmed());
-        }
-        const qsizetype length = request.headers.value("content-length", "0").toLongLong();
-        if (buffer.size() < headEnd + 4 + length)
-            return std::nullopt;
-        request.body = buffer.mid(headEnd + 4, length);
-        return request;
-    }
-
-    void answer(QTcpSocket *socket, Request request)
-    {
-        requests.append(std::move(request));
-        if (m_silent)
-            return;
-        socket->write("HTTP/1.1 " + QByteArray::number(m_status)
-                      + " Answer\r\nContent-Length: 0\r\nConnection: close\r\n\r\n");
-        socket->disconnectFromHost();
-    }
-
     QTcpServer m_server;
-    int m_status;
     bool m_silent = false;
 };
