@@ -12,6 +12,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <cstdio>
 #include <optional>
 
@@ -62,29 +63,23 @@ struct Arguments {
 
 std::optional<Arguments> parse(const QStringList &args, QString &error)
 {
+    const std::pair<QLatin1String, QString Arguments::*> valued[] = {
+        {QLatin1String("--dir"), &Arguments::dir},
+        {QLatin1String("--period"), &Arguments::period},
+        {QLatin1String("--count"), &Arguments::count},
+        {QLatin1String("--timeout"), &Arguments::timeout},
+    };
     Arguments parsed;
     for (int i = 1; i < args.size(); ++i) {
         const QString &arg = args.at(i);
-        auto value = [&](QString &into) {
+        const auto option = std::find_if(std::begin(valued), std::end(valued),
+                                         [&arg](const auto &entry) { return arg == entry.first; });
+        if (option != std::end(valued)) {
             if (i + 1 >= args.size()) {
                 error = arg + QStringLiteral(" needs a value");
-                return false;
+                return std::nullopt;
             }
-            into = args.at(++i);
-            return true;
-        };
-        if (arg == QLatin1String("--dir")) {
-            if (!value(parsed.dir))
-                return std::nullopt;
-        } else if (arg == QLatin1String("--period")) {
-            if (!value(parsed.period))
-                return std::nullopt;
-        } else if (arg == QLatin1String("--count")) {
-            if (!value(parsed.count))
-                return std::nullopt;
-        } else if (arg == QLatin1String("--timeout")) {
-            if (!value(parsed.timeout))
-                return std::nullopt;
+            parsed.*(option->second) = args.at(++i);
         } else if (arg == QLatin1String("--log")) {
             parsed.log = true;
         } else if (arg.startsWith(QLatin1String("--"))) {
