@@ -1,7 +1,7 @@
+#include "core/cini.h"
 #include "core/hostlist.h"
 #include "tests/support/files.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -12,17 +12,14 @@ namespace {
 class HostList : public ::testing::Test
 {
 protected:
-    void SetUp() override { ASSERT_TRUE(m_dir.isValid()); }
-
     QString path() const { return hostlist::filePath(m_dir.path()); }
-
     void writeFile(const QByteArray &bytes) const { ASSERT_TRUE(testfiles::write(path(), bytes)); }
     QByteArray readFile() const { return testfiles::read(path()); }
 
     QTemporaryDir m_dir;
 };
 
-TEST_F(HostList, MissingFileIsCreatedWithTheSixDefaults)
+TEST_F(HostList, MissingFileIsCreatedWithTheSixDefaultsAndRewrittenAfreshWhenDeletedWhileRunning)
 {
     ASSERT_EQ(hostlist::defaultHosts().size(), 6);
     EXPECT_EQ(hostlist::load(m_dir.path()), hostlist::defaultHosts());
@@ -30,48 +27,45 @@ TEST_F(HostList, MissingFileIsCreatedWithTheSixDefaults)
     for (qsizetype i = 0; i < 6; ++i)
         expected += QByteArray::number(i + 1) + '=' + hostlist::defaultHosts().at(i).toUtf8() + "\r\n";
     EXPECT_EQ(readFile(), expected);
+
+    ASSERT_TRUE(QFile::remove(path()));
+    ASSERT_TRUE(hostlist::save(m_dir.path(), {QStringLiteral("one"), QStringLiteral("two")}));
+    EXPECT_EQ(readFile(), QByteArray("[HOST]\r\n1=one\r\n2=two\r\n"));
 }
 
-TEST_F(HostList, GapTruncatesTheListAndSaveRewritesItWithoutTheRest)
+TEST_F(HostList, GapOrEmptyValueEndsTheListAndSaveRewritesTheSectionFromTheList)
 {
     writeFile("; mine\r\n[Host]\r\n1=alpha\r\n2=beta\r\n4=delta\r\n[Other]\r\nx=y\r\n");
     const QStringList hosts = hostlist::load(m_dir.path());
     EXPECT_EQ(hosts, (QStringList{QStringLiteral("alpha"), QStringLiteral("beta")}));
     ASSERT_TRUE(hostlist::save(m_dir.path(), hosts));
     EXPECT_EQ(readFile(), QByteArray("; mine\r\n[Other]\r\nx=y\r\n[HOST]\r\n1=alpha\r\n2=beta\r\n"));
-}
 
-TEST_F(HostList, EmptyValueEndsTheListAndEmptyEntryIsSavedAsEmptyValue)
-{
-    writeFile("[HOST]\r\n1=alpha\r\n2=\r\n3=gamma\r\n");
-    EXPECT_EQ(hostlist::load(m_dir.path()), QStringList{QStringLiteral("alpha")});
     ASSERT_TRUE(hostlist::save(m_dir.path(), {QStringLiteral("a"), QString(), QStringLiteral("c")}));
-    EXPECT_EQ(readFile(), QByteArray("[HOST]\r\n1=a\r\n2=\r\n3=c\r\n"));
+    EXPECT_EQ(readFile(), QByteArray("; mine\r\n[Other]\r\nx=y\r\n[HOST]\r\n1=a\r\n2=\r\n3=c\r\n"));
     EXPECT_EQ(hostlist::load(m_dir.path()), QStringList{QStringLiteral("a")});
-}
 
-TEST_F(HostList, EmptySectionGivesAnEmptyList)
-{
     writeFile("[HOST]\r\n");
     EXPECT_TRUE(hostlist::load(m_dir.path()).isEmpty());
-    EXPECT_EQ(readFile(), QByteArray("[HOST]\r\n"));
+    EXPECT_EQ(readFile(), QByteArray("[HOST]\r\n")) << "an empty list is no missing file";
 }
 
-TEST_F(HostList, FileDeletedWhileRunningIsWrittenAfreshAtSave)
+TEST_F(HostList, LongListEndsWhereTheSectionBufferDoes)
 {
-    hostlist::load(m_dir.path());
-    ASSERT_TRUE(QFile::remove(path()));
-    ASSERT_TRUE(hostlist::save(m_dir.path(), {QStringLiteral("one"), QStringLiteral("two")}));
-    EXPECT_EQ(readFile(), QByteArray("[HOST]\r\n1=one\r\n2=two\r\n"));
+    QByteArray text = "[HOST]\r\n";
+    for (int i = 1; i <= 5000; ++i)
+        text += QByteArray::number(i) + "=host" + QByteArray::number(i) + ".example\r\n";
+    writeFile(text);
+    const QStringList hosts = hostlist::load(m_dir.path());
+    ASSERT_GT(hosts.size(), 1000);
+    EXPECT_LT(hosts.size(), 5000);
+    EXPECT_EQ(hosts.last(), QStringLiteral("host%1.example").arg(hosts.size()));
 }
 
 TEST_F(HostList, HostileHostTextsNeitherBreakTheFileNorTheEntriesAfterThem)
 {
     const QString longHost(300, QLatin1Char('h'));
-    const struct {
-        QString entry;
-        QString readBack;
-    } cases[] = {
+    const std::pair<QString, QString> cases[] = {
         {longHost, longHost},
         {QStringLiteral("a=b=c"), QStringLiteral("a=b=c")},
         {QStringLiteral("[HOST]"), QStringLiteral("[HOST]")},
@@ -86,29 +80,40 @@ TEST_F(HostList, HostileHostTextsNeitherBreakTheFileNorTheEntriesAfterThem)
     };
     QStringList entries;
     QStringList expected;
-    for (const auto &c : cases) {
-        entries << c.entry << QStringLiteral("next");
-        expected << c.readBack << QStringLiteral("next");
+    for (const auto &[entry, readBack] : cases) {
+        entries << entry << QStringLiteral("next");
+        expected << readBack << QStringLiteral("next");
     }
     ASSERT_TRUE(hostlist::save(m_dir.path(), entries));
     EXPECT_EQ(hostlist::load(m_dir.path()), expected);
     EXPECT_EQ(readFile().count("\n"), 1 + entries.size());
 }
 
-TEST_F(HostList, ThousandsOfHostsLoadQuicklyAsFarAsTheSectionBufferHoldsThemWhole)
+TEST(CIni, ReadsCutAtTheFirstNulAndSectionsComeJoinedByNul)
 {
-    QByteArray text = "[HOST]\r\n";
-    for (int i = 1; i <= 5000; ++i)
-        text += QByteArray::number(i) + "=host" + QByteArray::number(i) + ".example\r\n";
-    writeFile(text);
-    QElapsedTimer timer;
-    timer.start();
-    const QStringList hosts = hostlist::load(m_dir.path());
-    EXPECT_LT(timer.elapsed(), 2000);
-    ASSERT_GT(hosts.size(), 1000);
-    EXPECT_LT(hosts.size(), 5000);
-    for (qsizetype i = 0; i < hosts.size(); ++i)
-        ASSERT_EQ(hosts.at(i), QStringLiteral("host%1.example").arg(i + 1));
+    QTemporaryDir dir;
+    const cINI ini(dir.filePath(QStringLiteral("hosts.ini")));
+    ASSERT_TRUE(testfiles::write(ini.FilePath(), QByteArrayLiteral("[HOST]\r\n1=alpha\0beta\r\n[Two]\r\n1 = a\r\n2=b\r\n")));
+    EXPECT_EQ(ini.GetVal(QStringLiteral("host"), QStringLiteral("1")), QStringLiteral("alpha"));
+    EXPECT_EQ(ini.GetVal(QStringLiteral("HOST"), QStringLiteral("3")), QString());
+    EXPECT_EQ(ini.GetSection(QStringLiteral("two")), QStringLiteral("1=a") + QChar(0) + QStringLiteral("2=b"));
+    EXPECT_EQ(ini.GetSection(QStringLiteral("none")), QString());
+}
+
+TEST(CIni, WritesGoStraightToTheFileAndDeleteValueKeyOrSection)
+{
+    QTemporaryDir dir;
+    cINI ini(dir.filePath(QStringLiteral("hosts.ini")));
+    const cINI other(ini.FilePath());
+    ASSERT_TRUE(ini.CreateSection(QStringLiteral("HOST"), QStringLiteral("1"), QStringLiteral("alpha")));
+    ASSERT_TRUE(ini.CreateSection(QStringLiteral("HOST"), QStringLiteral("2"), QStringLiteral("beta")));
+    ASSERT_TRUE(ini.CreateSection(QStringLiteral("Keep"), QStringLiteral("k"), QStringLiteral("v")));
+    EXPECT_EQ(other.GetVal(QStringLiteral("HOST"), QStringLiteral("2")), QStringLiteral("beta")) << "nothing is cached";
+    ASSERT_TRUE(ini.DeleteValue(QStringLiteral("host"), QStringLiteral("1")));
+    ASSERT_TRUE(ini.DeleteKey(QStringLiteral("HOST"), QStringLiteral("2")));
+    EXPECT_EQ(testfiles::read(ini.FilePath()), QByteArray("[HOST]\r\n1=\r\n[Keep]\r\nk=v\r\n"));
+    ASSERT_TRUE(ini.DeleteSection(QStringLiteral("host")));
+    EXPECT_EQ(testfiles::read(ini.FilePath()), QByteArray("[Keep]\r\nk=v\r\n"));
 }
 
 } // namespace

@@ -1,8 +1,8 @@
 #include "core/pinglog.h"
 
-#include "core/logdatetime.h"
 #include "core/runtimeerror.h"
 #include "platform/settingsstore.h"
+#include "tests/support/files.h"
 #include "tests/support/testclock.h"
 
 #include <QDir>
@@ -17,160 +17,118 @@ namespace {
 class PingLogTest : public ::testing::Test
 {
 protected:
-    void SetUp() override
+    void SetUp() override { ASSERT_TRUE(QDir(m_root.path()).mkdir(QStringLiteral("program"))); }
+
+    QString inProgramDir(const QString &name) const { return m_root.filePath(QStringLiteral("program/") + name); }
+    QByteArray readFile(const char *name) const
     {
-        ASSERT_TRUE(m_root.isValid());
-        ASSERT_TRUE(QDir(m_root.path()).mkdir(QStringLiteral("program")));
+        return QFile::exists(inProgramDir(QLatin1String(name))) ? testfiles::read(inProgramDir(QLatin1String(name)))
+                                                                 : QByteArray("<missing>");
     }
+    void touch(const QString &name) const { ASSERT_TRUE(testfiles::write(inProgramDir(name), {})); }
 
-    QString programDir() const { return m_root.filePath(QStringLiteral("program")); }
-    QString inProgramDir(const QString &name) const { return programDir() + QLatin1Char('/') + name; }
-
-    QByteArray readFile(const QString &name) const
+    // Every file and folder the log may have made, in the program directory or above it.
+    QStringList entriesUnderRoot() const
     {
-        QFile file(inProgramDir(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<missing>");
-    }
-
-    void touch(const QString &name) const
-    {
-        QFile file(inProgramDir(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    }
-
-    QStringList filesUnderRoot() const
-    {
-        QStringList names;
-        for (const QString &dir : {m_root.path(), programDir()}) {
-            for (const QString &name : QDir(dir).entryList(QDir::Files | QDir::Hidden))
-                names << name;
-        }
-        names.sort();
+        QStringList names = QDir(m_root.path()).entryList(QDir::Files | QDir::Hidden);
+        names += QDir(m_root.filePath(QStringLiteral("program"))).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden);
         return names;
     }
 
-    void setLogOne(const QString &value) { m_settings.SaveSetting(QStringLiteral("Load"), QStringLiteral("LogOne"), value); }
+    void setLogOne(const char *value) { m_settings.SaveSetting(QStringLiteral("Load"), QStringLiteral("LogOne"), QLatin1String(value)); }
+    void write(const QString &host, int16_t value, const char *level = "SALAT") { m_log.WriteLog(host, value, QLatin1String(level)); }
 
     QTemporaryDir m_root;
     SettingsStore m_settings{m_root.filePath(QStringLiteral("settings.ini"))};
     TestClock m_clock{QDateTime(QDate(2026, 11, 15), QTime(17, 22, 31))};
-    PingLog m_log{programDir(), QStringLiteral("sondar"), m_settings, m_clock};
+    PingLog m_log{m_root.filePath(QStringLiteral("program")), QStringLiteral("sondar"), m_settings, m_clock};
 };
 
-TEST_F(PingLogTest, CommonLogLinesAreDateTimeHostAndValueWithCrLf)
+TEST_F(PingLogTest, CommonLogLinesAreDateTimeOrDateAtMidnightHostAndValueWithCrLfAndRedIsMinusOne)
 {
-    m_log.WriteLog(QStringLiteral("example"), 47, QStringLiteral("SALAT"));
+    write(QStringLiteral("example"), 47);
     m_clock.advanceMs(10'000);
-    m_log.WriteLog(QStringLiteral("10.0.0.1"), 3500, QStringLiteral("darkred"));
-    m_clock.set(QDateTime(QDate(2026, 11, 16), QTime(0, 0)));
-    m_log.WriteLog(QStringLiteral("example"), 0, QStringLiteral("SALAT"));
-    EXPECT_EQ(readFile(QStringLiteral("sondar.log")), QByteArray("15.11.2026 17:22:31\texample\t47\r\n"
-                                                                 "15.11.2026 17:22:41\t10.0.0.1\t3500\r\n"
-                                                                 "16.11.2026\texample\t0\r\n"));
-}
-
-TEST_F(PingLogTest, RedLevelWritesMinusOneWhateverTheValue)
-{
-    for (const char *level : {"RED", "red", "Red"})
-        m_log.WriteLog(QStringLiteral("example"), 47, QString::fromUtf8(level));
-    m_log.WriteLog(QStringLiteral("example"), -1, QStringLiteral("RED"));
-    m_log.WriteLog(QStringLiteral("example"), -32768, QStringLiteral("GREEN"));
-    EXPECT_EQ(readFile(QStringLiteral("sondar.log")), QByteArray("15.11.2026 17:22:31\texample\t-1\r\n"
-                                                                 "15.11.2026 17:22:31\texample\t-1\r\n"
-                                                                 "15.11.2026 17:22:31\texample\t-1\r\n"
-                                                                 "15.11.2026 17:22:31\texample\t-1\r\n"
-                                                                 "15.11.2026 17:22:31\texample\t-32768\r\n"));
+    write(QStringLiteral("10.0.0.1"), 3500, "darkred");
+    for (const char *level : {"RED", "red"})
+        write(QStringLiteral("example"), 47, level);
+    write(QStringLiteral("example"), -32768, "GREEN");
+    for (const int ms : {0, 500}) {
+        m_clock.set(QDateTime(QDate(2026, 11, 16), QTime(0, 0, 0, ms)));
+        write(QStringLiteral("example"), 0);
+    }
+    EXPECT_EQ(readFile("sondar.log"), QByteArray("15.11.2026 17:22:31\texample\t47\r\n"
+                                                 "15.11.2026 17:22:41\t10.0.0.1\t3500\r\n"
+                                                 "15.11.2026 17:22:41\texample\t-1\r\n"
+                                                 "15.11.2026 17:22:41\texample\t-1\r\n"
+                                                 "15.11.2026 17:22:41\texample\t-32768\r\n"
+                                                 "16.11.2026\texample\t0\r\n"
+                                                 "16.11.2026\texample\t0\r\n"));
 }
 
 TEST_F(PingLogTest, PerHostLogLinesAreDateTimeAndValueInTheHostsFile)
 {
-    setLogOne(QStringLiteral("0"));
-    m_log.WriteLog(QStringLiteral("192.0.2.7"), 47, QStringLiteral("SALAT"));
+    setLogOne("0");
+    write(QStringLiteral("192.0.2.7"), 47);
     m_clock.advanceMs(10'000);
-    m_log.WriteLog(QStringLiteral("192.0.2.7"), 12, QStringLiteral("RED"));
-    m_log.WriteLog(QStringLiteral("www.example.org"), 600, QStringLiteral("CYAN"));
-    EXPECT_EQ(readFile(QStringLiteral("192.0.2.7.log")),
-              QByteArray("15.11.2026 17:22:31\t47\r\n15.11.2026 17:22:41\t-1\r\n"));
-    EXPECT_EQ(readFile(QStringLiteral("www.example.org.log")), QByteArray("15.11.2026 17:22:41\t600\r\n"));
-    EXPECT_EQ(readFile(QStringLiteral("sondar.log")), QByteArray("<missing>"));
+    write(QStringLiteral("192.0.2.7"), 12, "RED");
+    write(QStringLiteral("www.example.org"), 600, "CYAN");
+    EXPECT_EQ(readFile("192.0.2.7.log"), QByteArray("15.11.2026 17:22:31\t47\r\n15.11.2026 17:22:41\t-1\r\n"));
+    EXPECT_EQ(readFile("www.example.org.log"), QByteArray("15.11.2026 17:22:41\t600\r\n"));
+    EXPECT_EQ(readFile("sondar.log"), QByteArray("<missing>"));
 }
 
-TEST_F(PingLogTest, LogOneIsReadAtEverySample)
+TEST_F(PingLogTest, LogOneIsReadAtEverySampleAndOneThatIsNoNumberIsATypeMismatch)
 {
-    m_log.WriteLog(QStringLiteral("host"), 1, QStringLiteral("SALAT"));
-    setLogOne(QStringLiteral("2"));
-    m_log.WriteLog(QStringLiteral("host"), 2, QStringLiteral("SALAT"));
-    setLogOne(QStringLiteral("1"));
-    m_log.WriteLog(QStringLiteral("host"), 3, QStringLiteral("SALAT"));
-    EXPECT_EQ(readFile(QStringLiteral("sondar.log")),
-              QByteArray("15.11.2026 17:22:31\thost\t1\r\n15.11.2026 17:22:31\thost\t3\r\n"));
-    EXPECT_EQ(readFile(QStringLiteral("host.log")), QByteArray("15.11.2026 17:22:31\t2\r\n"));
-}
+    write(QStringLiteral("host"), 1);
+    setLogOne("2");
+    write(QStringLiteral("host"), 2);
+    setLogOne("1");
+    write(QStringLiteral("host"), 3);
+    EXPECT_EQ(readFile("sondar.log"), QByteArray("15.11.2026 17:22:31\thost\t1\r\n15.11.2026 17:22:31\thost\t3\r\n"));
+    EXPECT_EQ(readFile("host.log"), QByteArray("15.11.2026 17:22:31\t2\r\n"));
 
-TEST_F(PingLogTest, LogOneThatIsNoNumberIsATypeMismatch)
-{
-    setLogOne(QStringLiteral("one"));
+    setLogOne("one");
     try {
-        m_log.WriteLog(QStringLiteral("host"), 1, QStringLiteral("SALAT"));
-        FAIL() << "no error";
+        write(QStringLiteral("other"), 1);
+        ADD_FAILURE() << "no error";
     } catch (const RuntimeError &error) {
         EXPECT_EQ(error.number(), 13);
     }
-    EXPECT_EQ(filesUnderRoot(), QStringList{QStringLiteral("settings.ini")});
+    EXPECT_EQ(entriesUnderRoot().size(), 3) << entriesUnderRoot().join(QLatin1Char(' ')).toStdString();
 }
 
 TEST_F(PingLogTest, PausedLogWritesNothingUntilResumed)
 {
-    EXPECT_FALSE(m_log.isPaused());
-    EXPECT_FALSE(m_log.isRunning());
-    m_log.WriteLog(QStringLiteral("h"), 1, QStringLiteral("SALAT"));
+    write(QStringLiteral("h"), 1);
     m_log.pause();
-    m_log.WriteLog(QStringLiteral("h"), 2, QStringLiteral("SALAT"));
+    write(QStringLiteral("h"), 2);
     m_log.pause();
     m_log.resume();
-    EXPECT_FALSE(m_log.isPaused());
-    EXPECT_TRUE(m_log.isRunning());
-    m_log.WriteLog(QStringLiteral("h"), 3, QStringLiteral("SALAT"));
+    write(QStringLiteral("h"), 3);
     m_log.resume();
     m_log.pause();
     EXPECT_TRUE(m_log.isPaused());
-    EXPECT_FALSE(m_log.isRunning());
-    m_log.WriteLog(QStringLiteral("h"), 4, QStringLiteral("SALAT"));
-    EXPECT_EQ(readFile(QStringLiteral("sondar.log")),
-              QByteArray("15.11.2026 17:22:31\th\t1\r\n15.11.2026 17:22:31\th\t3\r\n"));
+    write(QStringLiteral("h"), 4);
+    EXPECT_EQ(readFile("sondar.log"), QByteArray("15.11.2026 17:22:31\th\t1\r\n15.11.2026 17:22:31\th\t3\r\n"));
 }
 
-TEST_F(PingLogTest, PerHostNameThatIsNoPlainFileNameWritesNothingAnywhere)
+TEST_F(PingLogTest, HostileHostNamesAndUnwritableTargetsLoseTheSampleWithoutWritingAnywhere)
 {
-    setLogOne(QStringLiteral("0"));
+    setLogOne("0");
     for (const QString &host : {QStringLiteral("../x"), QStringLiteral("a/b"), QStringLiteral("."), QStringLiteral(".."),
                                 QStringLiteral("/tmp/x"), QString(), QStringLiteral("x") + QChar(0) + QStringLiteral("y"),
                                 QString(300, QLatin1Char('h'))})
-        m_log.WriteLog(host, 47, QStringLiteral("SALAT"));
-    EXPECT_EQ(filesUnderRoot(), QStringList{QStringLiteral("settings.ini")});
-    EXPECT_TRUE(QDir(programDir()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot).isEmpty());
-}
+        write(host, 47);
+    EXPECT_EQ(entriesUnderRoot(), QStringList{QStringLiteral("settings.ini")});
 
-TEST_F(PingLogTest, UnwritableTargetLosesTheSampleSilently)
-{
-    ASSERT_TRUE(QDir(programDir()).mkdir(QStringLiteral("sondar.log")));
-    m_log.WriteLog(QStringLiteral("h"), 1, QStringLiteral("SALAT"));
+    setLogOne("1");
+    ASSERT_TRUE(QDir(m_root.filePath(QStringLiteral("program"))).mkdir(QStringLiteral("sondar.log")));
+    write(QStringLiteral("h"), 1);
     PingLog homeless(QString(), QStringLiteral("sondar"), m_settings, m_clock);
     homeless.WriteLog(QStringLiteral("h"), 1, QStringLiteral("SALAT"));
-    homeless.AppendLogLine(QStringLiteral("x"), QStringLiteral("EXEName"), true);
-    EXPECT_TRUE(filesUnderRoot().isEmpty());
+    EXPECT_EQ(entriesUnderRoot(), (QStringList{QStringLiteral("settings.ini"), QStringLiteral("sondar.log")}));
     EXPECT_TRUE(QFileInfo(inProgramDir(QStringLiteral("sondar.log"))).isDir());
     EXPECT_FALSE(QFile::exists(QStringLiteral("/sondar.log")));
-}
-
-TEST_F(PingLogTest, AppendLogLineTakesExeNameForTheCommonLogAndStampsOnRequest)
-{
-    m_clock.set(QDateTime(QDate(2026, 1, 2), QTime(0, 0)));
-    m_log.AppendLogLine(QStringLiteral("started"), QStringLiteral("EXEName"), true);
-    m_log.AppendLogLine(QStringLiteral("plain"), QStringLiteral("EXEName"), false);
-    m_log.AppendLogLine(QStringLiteral("other"), inProgramDir(QStringLiteral("other.txt")), false);
-    EXPECT_EQ(readFile(QStringLiteral("sondar.log")), QByteArray("02.01.2026 00:00:00 started\r\nplain\r\n"));
-    EXPECT_EQ(readFile(QStringLiteral("other.txt")), QByteArray("other\r\n"));
 }
 
 TEST_F(PingLogTest, ShowLogPicksTheCurrentHostsFileOrTheCommonOneAndNothingWhenMissing)
@@ -179,8 +137,7 @@ TEST_F(PingLogTest, ShowLogPicksTheCurrentHostsFileOrTheCommonOneAndNothingWhenM
     touch(QStringLiteral("sondar.log"));
     touch(QStringLiteral("a.log"));
     EXPECT_EQ(m_log.logFileToShow(QStringLiteral("a")), inProgramDir(QStringLiteral("sondar.log")));
-    EXPECT_EQ(m_log.commonLogPath(), inProgramDir(QStringLiteral("sondar.log")));
-    setLogOne(QStringLiteral("0"));
+    setLogOne("0");
     EXPECT_EQ(m_log.logFileToShow(QStringLiteral("a")), inProgramDir(QStringLiteral("a.log")));
     EXPECT_EQ(m_log.logFileToShow(QStringLiteral("b")), QString());
     EXPECT_EQ(m_log.logFileToShow(QStringLiteral("../program/a")), QString());
@@ -188,41 +145,19 @@ TEST_F(PingLogTest, ShowLogPicksTheCurrentHostsFileOrTheCommonOneAndNothingWhenM
 
 TEST_F(PingLogTest, ClearLogDeletesSondarLogInAnyCaseButNoPerHostFile)
 {
-    for (const char *name : {"sondar.log", "host.log", "Sondar.Log.old", "other.log"})
+    for (const char *name : {"SONDAR.Log", "host.log", "Sondar.Log.old", "other.log"})
         touch(QString::fromUtf8(name));
     m_log.clearLog();
-    EXPECT_EQ(QDir(programDir()).entryList(QDir::Files, QDir::Name),
-              (QStringList{QStringLiteral("Sondar.Log.old"), QStringLiteral("host.log"), QStringLiteral("other.log")}));
     m_log.clearLog();
+    EXPECT_EQ(QDir(m_root.filePath(QStringLiteral("program"))).entryList(QDir::Files, QDir::Name),
+              (QStringList{QStringLiteral("Sondar.Log.old"), QStringLiteral("host.log"), QStringLiteral("other.log")}));
 
-    PingLog other(programDir(), QStringLiteral("monitor"), m_settings, m_clock);
+    PingLog other(m_root.filePath(QStringLiteral("program")), QStringLiteral("monitor"), m_settings, m_clock);
     other.WriteLog(QStringLiteral("h"), 1, QStringLiteral("SALAT"));
-    touch(QStringLiteral("SONDAR.LOG"));
+    touch(QStringLiteral("sondar.log"));
     other.clearLog();
-    EXPECT_FALSE(QFile::exists(inProgramDir(QStringLiteral("SONDAR.LOG"))));
+    EXPECT_FALSE(QFile::exists(inProgramDir(QStringLiteral("sondar.log"))));
     EXPECT_TRUE(QFile::exists(inProgramDir(QStringLiteral("monitor.log"))));
-}
-
-TEST(LogDateTime, GeneralFormLeavesOutMidnightAndParsesBack)
-{
-    const struct {
-        QDateTime moment;
-        const char *general;
-        const char *full;
-    } cases[] = {
-        {QDateTime(QDate(2026, 11, 15), QTime(17, 22, 31)), "15.11.2026 17:22:31", "15.11.2026 17:22:31"},
-        {QDateTime(QDate(2026, 3, 5), QTime(0, 0)), "05.03.2026", "05.03.2026 00:00:00"},
-        {QDateTime(QDate(2026, 3, 5), QTime(0, 0, 0, 500)), "05.03.2026", "05.03.2026 00:00:00"},
-        {QDateTime(QDate(2026, 3, 5), QTime(0, 0, 1)), "05.03.2026 00:00:01", "05.03.2026 00:00:01"},
-        {QDateTime(QDate(999, 12, 31), QTime(23, 59, 59)), "31.12.0999 23:59:59", "31.12.0999 23:59:59"},
-    };
-    for (const auto &c : cases) {
-        EXPECT_EQ(logdatetime::general(c.moment), QString::fromUtf8(c.general));
-        EXPECT_EQ(logdatetime::full(c.moment), QString::fromUtf8(c.full));
-        EXPECT_EQ(logdatetime::parse(QString::fromUtf8(c.general)), c.moment.addMSecs(-c.moment.time().msec()));
-    }
-    for (const char *junk : {"", "15.11.2026 25:00:00", "2026-11-15", "15.11.2026 17:22", "32.01.2026"})
-        EXPECT_FALSE(logdatetime::parse(QString::fromUtf8(junk)).isValid()) << junk;
 }
 
 } // namespace

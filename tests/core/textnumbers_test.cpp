@@ -1,6 +1,6 @@
-#include "core/textnumbers.h"
-
+#include "core/retrytime.h"
 #include "core/runtimeerror.h"
+#include "core/textnumbers.h"
 
 #include <gtest/gtest.h>
 
@@ -67,12 +67,32 @@ TEST(TextNumbers, ValReadsTheLeadingNumberAndNeverFails)
         EXPECT_DOUBLE_EQ(textnumbers::val(QString::fromUtf8(c.text)), c.value) << c.text;
 }
 
-TEST(TextNumbers, ItemOutsideTheListIsASubscriptError)
+TEST(RetryBox, StoresTheClampedTimeOutAndCorrectsTheTextOnLeaving)
 {
-    const QStringList list{QStringLiteral("a"), QStringLiteral("b")};
-    EXPECT_EQ(textnumbers::item(list, 1), QStringLiteral("b"));
-    for (const qsizetype index : {qsizetype(-1), qsizetype(2), qsizetype(100)})
-        EXPECT_EQ(errorOf([&] { textnumbers::item(list, index); }), 9) << index;
+    // What is stored, then the box that leaving it shows and the text it then holds.
+    const char *const tooLarge = " | information: You can input time less then 60 seconds only! -> 60";
+    const std::pair<const char *, std::string> cases[] = {
+        {"75", std::string("60") + tooLarge}, {"61", std::string("60") + tooLarge}, {"99999999999999999999", std::string("60") + tooLarge},
+        {"abc", "10 | critical: Invalid number! -> 10"}, {"", "10 | critical: Invalid number! -> 10"},
+        {"0", "10"}, {"60", "60"}, {"1", "1"},
+    };
+    for (const auto &[typed, expected] : cases) {
+        QString shown = QString::number(retrytime::storedTimeOut(QLatin1String(typed)));
+        if (const auto box = retrytime::validate(QLatin1String(typed)))
+            shown += QLatin1String(box->icon == MessageSink::Icon::Critical      ? " | critical: "
+                                   : box->icon == MessageSink::Icon::Information ? " | information: "
+                                                                                 : " | other: ")
+                + box->message + QStringLiteral(" -> ") + box->text;
+        EXPECT_EQ(shown.toStdString(), expected) << typed;
+    }
+}
+
+TEST(RetryBox, ProbeTimeoutIsTheIntervalLess100BelowTenSecondsAndTheTimerTakesTheBoxInSeconds)
+{
+    for (const auto &[intervalMs, timeoutMs] : {std::pair(1000, 900), std::pair(9999, 9899), std::pair(10000, 10000), std::pair(60000, 10000)})
+        EXPECT_EQ(retrytime::probeTimeoutMs(intervalMs), timeoutMs) << intervalMs;
+    EXPECT_EQ(retrytime::timerIntervalMs(QStringLiteral("10")), 10000);
+    EXPECT_EQ(retrytime::timerIntervalMs(QStringLiteral("junk")), 0);
 }
 
 } // namespace
