@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include <functional>
+
 #include <gtest/gtest.h>
 
 namespace {
@@ -25,41 +27,28 @@ QSystemTrayIcon *trayIconOf(clsSysTray &tray)
 
 } // namespace
 
-TEST(clsSysTray, StartsWithTheRecordTheTrayExpects)
-{
-    clsSysTray tray;
-    const clsSysTray::NotifyIconData &record = tray.notifyData();
-    EXPECT_EQ(std::make_tuple(record.cbSize, record.uID, record.uFlags, record.uCallbackMessage), std::make_tuple(88u, 1u, 7u, 512u));
-    EXPECT_TRUE(record.hIcon.isNull());
-    EXPECT_EQ(record.szTip, QChar(0) + QString(63, QLatin1Char(' ')));
-    EXPECT_TRUE(tray.DefaultDblClk());
-}
-
 TEST(clsSysTray, EachMouseMessageAndDesktopActivationRaisesItsEventAndOthersNone)
 {
+    auto raisedBy = [](const std::function<void(clsSysTray &)> &send) {
+        clsSysTray tray;
+        QStringList raised;
+        recordEvents(tray, raised);
+        send(tray);
+        return raised;
+    };
+    auto only = [](const char *event) { return event ? QStringList{QLatin1String(event)} : QStringList(); };
     const std::pair<int32_t, const char *> messages[] = {
         {513, "LButtonDown"}, {514, "LButtonUp"}, {515, "LButtonDblClk"}, {516, "RButtonDown"}, {517, "RButtonUp"},
         {518, "RButtonDblClk"}, {512, nullptr},   {519, nullptr},         {0, nullptr},
     };
-    for (const auto &[message, event] : messages) {
-        clsSysTray tray;
-        QStringList raised;
-        recordEvents(tray, raised);
-        tray.trayMessage(message);
-        EXPECT_EQ(raised, event ? QStringList{QLatin1String(event)} : QStringList()) << "message " << message;
-    }
-
+    for (const auto &[message, event] : messages)
+        EXPECT_EQ(raisedBy([&](clsSysTray &tray) { tray.trayMessage(message); }), only(event)) << "message " << message;
     const std::pair<QSystemTrayIcon::ActivationReason, const char *> activations[] = {
         {QSystemTrayIcon::Trigger, "LButtonUp"}, {QSystemTrayIcon::DoubleClick, "LButtonDblClk"},
         {QSystemTrayIcon::Context, "RButtonUp"}, {QSystemTrayIcon::MiddleClick, nullptr},
     };
-    for (const auto &[reason, event] : activations) {
-        clsSysTray tray;
-        QStringList raised;
-        recordEvents(tray, raised);
-        emit trayIconOf(tray)->activated(reason);
-        EXPECT_EQ(raised, event ? QStringList{QLatin1String(event)} : QStringList()) << "reason " << int(reason);
-    }
+    for (const auto &[reason, event] : activations)
+        EXPECT_EQ(raisedBy([&](clsSysTray &tray) { emit trayIconOf(tray)->activated(reason); }), only(event)) << "reason " << reason;
 }
 
 TEST(clsSysTray, MessageArrivingWhileAnEventIsHandledIsDropped)
@@ -80,7 +69,8 @@ TEST(clsSysTray, LeftDoubleClickRestoresTheWindowAndRemovesTheIconUnlessDefaultD
         window.setWindowIcon(QIcon(QPixmap(16, 16)));
         clsSysTray tray;
         tray.setSourceWindow(&window);
-        tray.setDefaultDblClk(restores);
+        if (!restores)
+            tray.setDefaultDblClk(false); // it restores unless told not to
         window.showMinimized();
         window.hide(); // as it is while in the tray
         tray.IconInSysTray();

@@ -1,9 +1,10 @@
+#include "core/levelscale.h"
+#include "core/runtimeerror.h"
 #include "display/pinggraph.h"
+#include "platform/settingsstore.h"
 
-#include "graphsettings.h"
-
-#include <QPaintEvent>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -15,25 +16,156 @@ void PrintTo(const QColor &colour, std::ostream *out)
 
 namespace {
 
-// At 500 % both default bands (3000 and 1500 ms) end inside the frame, so band 0 shows above band 1.
-struct PaintedGraph {
+// A real settings file in a temporary folder with the given "Load" keys, and the level scale read from
+// it; the model on a plot of ten 200-twip steps over 1000 twips of baseline: eleven points, the top label
+// 10 × the scale.
+struct Graph {
+    explicit Graph(std::initializer_list<std::pair<const char *, const char *>> loadKeys = {})
+    {
+        for (const auto &[key, value] : loadKeys)
+            store.SaveSetting(QStringLiteral("Load"), QString::fromLatin1(key), QString::fromLatin1(value));
+        levels.LoadLevelScale(store);
+        model.setPlot({.axisX = 600, .axisTopY = 300, .baselineY = 2300, .width = 1000, .lineWidth = 15, .labelSpacing = 100});
+        model.createBuffer();
+        model.RebuildGraphFrame(store);
+    }
+
+    int errorOf(int32_t time)
+    {
+        try {
+            model.AddGraphPoint(time);
+        } catch (const RuntimeError &error) {
+            return error.number();
+        }
+        return 0;
+    }
+
+    QTemporaryDir dir;
+    SettingsStore store{dir.filePath(QStringLiteral("sondar.ini"))};
+    LevelScale levels;
+    PingGraphModel model{levels};
+};
+
+// The painted frame at 500 %, where both default bands (3000 and 1500 ms) end inside it, so band 0 shows above band 1.
+struct PaintedGraph : Graph {
     PaintedGraph()
-        : settings({{"PingScale", "500"}})
-        , graph(settings.levels)
+        : Graph({{"PingScale", "500"}})
     {
         graph.resize(400, 300);
         graph.show();
         graph.createPointBuffer();
-        graph.RebuildGraphFrame(settings.store);
+        graph.RebuildGraphFrame(store);
     }
 
     QPoint pixel(double xTwips, double yTwips) const { return graph.toPixels(QRectF(xTwips, yTwips, 0, 0)).topLeft(); }
 
-    GraphSettings settings;
-    PingGraph graph;
+    PingGraph graph{levels};
 };
 
 } // namespace
+
+TEST(PingGraphModel, BarIsTwoTwipsPerMsOverTheScaleCappedAtTheTopLabelAndColouredByLevel)
+{
+    struct Case {
+        const char *percent;
+        int32_t time;
+        double height;
+        int32_t colour;
+    };
+    const Case cases[] = {
+        {"100", 150, 300, 65280},  {"50", 150, 600, 65280},       {"100", 200, 400, 49152},
+        {"100", 1500, 2000, 8388736}, {"100", 3500, 2000, 255},   {"500", 2999, 1199.6, 12583104},
+        {"500", 3000, 1200, 255},  {"100", 0, 0, 65280},
+    };
+    for (const Case &c : cases) {
+        Graph graph({{"PingScale", c.percent}});
+        graph.model.AddGraphPoint(c.time);
+        EXPECT_EQ(graph.model.lbY().back().value, graph.model.TopValue());
+        EXPECT_NEAR(graph.model.bars().back().height, c.height, 1e-3) << c.percent << "% " << c.time << " ms";
+        EXPECT_EQ(graph.model.bars().back().color, c.colour) << c.percent << "% " << c.time << " ms";
+    }
+}
+
+TEST(PingGraphModel, NewestPointIsTheRightmostBarAndTheOldestLeavesAfterPointCountPlusOneResults)
+{
+    Graph graph;
+    ASSERT_EQ(graph.model.PointCount(), 10);
+    graph.model.AddGraphPoint(150);
+    EXPECT_EQ(graph.model.barRect(10), QRectF(600 + 1000 + 50, 2300 - 300 + 15, 50, 300));
+    for (int i = 1; i <= 10; ++i)
+        graph.model.AddGraphPoint(i);
+    EXPECT_FLOAT_EQ(graph.model.PointValues().front(), 150);
+    EXPECT_FLOAT_EQ(graph.model.PointValues().back(), 10);
+    graph.model.AddGraphPoint(11);
+    EXPECT_FLOAT_EQ(graph.model.PointValues().front(), 1);
+}
+
+TEST(PingGraphModel, AverageLineIsTheMeanOfNonZeroPointsAndHidesOnceNoneIsLeft)
+{
+    Graph graph({{"PingScale", "50"}});
+    for (const int32_t time : {100, 0, 200})
+        graph.model.AddGraphPoint(time);
+    ASSERT_TRUE(graph.model.averageVisible());
+    EXPECT_EQ(graph.model.lnAVG(), QLineF(600, 2300 - 600, 1700, 2300 - 600)); // 150 ms at 50 %, under all bars
+    for (int i = 0; i < 10; ++i)
+        graph.model.AddGraphPoint(0);
+    EXPECT_TRUE(graph.model.averageVisible()) << "the 200 ms reply is still the oldest point";
+    graph.model.AddGraphPoint(0);
+    EXPECT_FALSE(graph.model.averageVisible());
+}
+
+TEST(PingGraphModel, BandHeightIsTheBoundTimesThePlotHeightOverTheTopValue)
+{
+    struct Case {
+        Graph graph;
+        std::vector<std::pair<double, int32_t>> bands; // height, colour
+    };
+    Case cases[] = {
+        {Graph(), {{6000, int32_t(0x80000018)}, {3000, 16777152}}},
+        {Graph({{"PingValues", "200;400;600;800;1000;1200;1500;2000;5001"}}), {{10002, int32_t(0x80000018)}, {5000, 16777152}}},
+        {Graph({{"PingScale", "50"}, {"PingBackLevel", "1"}, {"PingBackValues", "100"}, {"PingBackColors", "255"}}), {{400, 255}}},
+        {Graph({{"PingBackLevel", "0"}, {"PingBackValues", ""}, {"PingBackColors", ""}}), {}},
+    };
+    for (Case &c : cases) {
+        const std::vector<PingGraphModel::Band> bands = c.graph.model.shpBackColor();
+        ASSERT_EQ(bands.size(), c.bands.size());
+        for (size_t k = 0; k < bands.size(); ++k) {
+            EXPECT_EQ(bands[k].rect, QRectF(600, 2300 - c.bands[k].first, 1100, c.bands[k].first)) << "band " << k;
+            EXPECT_EQ(bands[k].color, c.bands[k].second) << "band " << k;
+        }
+    }
+}
+
+TEST(PingGraphModel, BufferSizeIsFixedAtCreationAndRebuildOnlyEmptiesTheBars)
+{
+    Graph graph;
+    graph.model.AddGraphPoint(150);
+    graph.model.setPlot({.axisX = 600, .axisTopY = 300, .baselineY = 2300, .width = 3000, .lineWidth = 15, .labelSpacing = 100});
+    graph.store.SaveSetting(QStringLiteral("Load"), QStringLiteral("PingScale"), QStringLiteral("50"));
+    graph.model.RebuildGraphFrame(graph.store);
+    EXPECT_EQ(graph.model.PointCount(), 10);
+    EXPECT_FLOAT_EQ(graph.model.PingScale(), 0.5f);
+    EXPECT_DOUBLE_EQ(graph.model.bars().back().height, 0);
+
+    graph.levels.Colors[0] = QStringLiteral("16711935"); // the dialog saved a new colour
+    graph.model.AddGraphPoint(0);
+    EXPECT_DOUBLE_EQ(graph.model.bars()[9].height, 600);
+    EXPECT_EQ(graph.model.bars()[9].color, 16711935);
+}
+
+TEST(PingGraphModel, BadSettingsAndAZeroScaleFailAsRuntimeErrorsForTheCallersTrap)
+{
+    Graph badLevel({{"PingValues", "200;400;x;800;1000;1200;1500;2000;3000"}});
+    EXPECT_EQ(badLevel.errorOf(500), 13);
+    Graph zeroScale;
+    zeroScale.model.setPingScale(0);
+    EXPECT_EQ(zeroScale.errorOf(10), 11);
+
+    Graph badScale;
+    badScale.store.SaveSetting(QStringLiteral("Load"), QStringLiteral("PingScale"), QStringLiteral("big"));
+    EXPECT_THROW(badScale.model.RebuildGraphFrame(badScale.store), RuntimeError);
+    EXPECT_FLOAT_EQ(badScale.model.PingScale(), 1.0f) << "a failed rebuild leaves the graph as it was";
+}
 
 TEST(PingGraph, NewestBarShowsItsLevelColourInFrontOfTheBandsAndSystemColoursComeFromThePalette)
 {
@@ -52,30 +184,6 @@ TEST(PingGraph, NewestBarShowsItsLevelColourInFrontOfTheBandsAndSystemColoursCom
     EXPECT_EQ(image.pixelColor(painted.pixel(bar.center().x(), bar.top() - 150)), QColor(0xC0, 0xFF, 0xFF));
     const double band0Only = (bands[0].rect.top() + bands[1].rect.top()) / 2;
     EXPECT_EQ(image.pixelColor(painted.pixel(bar.center().x(), band0Only)), QColor(12, 34, 56));
-}
-
-TEST(PingGraph, NewPointRepaintsOnlyThePlotAreaNotTheCaptionOrTheLabels)
-{
-    PaintedGraph painted;
-    ASSERT_TRUE(QTest::qWaitForWindowExposed(&painted.graph));
-    QList<QRect> repainted;
-    struct Recorder : QObject {
-        QList<QRect> &rects;
-        explicit Recorder(QList<QRect> &r) : rects(r) {}
-        bool eventFilter(QObject *, QEvent *event) override
-        {
-            if (event->type() == QEvent::Paint)
-                rects.append(static_cast<QPaintEvent *>(event)->rect());
-            return false;
-        }
-    } recorder(repainted);
-    painted.graph.installEventFilter(&recorder);
-
-    painted.graph.AddGraphPoint(150);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !repainted.isEmpty(); }));
-    const PingGraphModel::Plot &plot = painted.graph.model().plot();
-    EXPECT_EQ(repainted.constFirst(), painted.graph.plotArea());
-    EXPECT_EQ(repainted.constFirst().topLeft(), painted.pixel(plot.axisX, plot.axisTopY));
 }
 
 TEST(PingGraph, LeftDoubleClickOnTheCaptionedFrameIsReported)

@@ -1,11 +1,13 @@
 #include "display/clssystray.h"
 #include "resources/resourceicon.h"
 
-#include "xsession.h"
-
 #include <QApplication>
+#include <QFile>
+#include <QProcess>
 #include <QRegularExpression>
 #include <QSignalSpy>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QToolTip>
 #include <QWidget>
@@ -17,17 +19,66 @@
 
 namespace {
 
+// Ends a program it started with a signal it can handle, so that Xvfb removes its lock file and socket.
+struct Started {
+    ~Started()
+    {
+        process.terminate();
+        process.waitForFinished(5000);
+    }
+    QProcess process;
+};
+
 void runSession(bool withTray, const char *kind, const char *caseName)
 {
-    const QString missing = XSession::missingPrograms(withTray);
-    if (!missing.isEmpty())
-        GTEST_SKIP() << missing.toStdString();
-    XSession session;
-    QString error;
-    ASSERT_TRUE(session.start(withTray, &error)) << error.toStdString();
-    QString output;
-    EXPECT_EQ(session.runTests(QStringLiteral("TraySession.") + QLatin1String(caseName), QLatin1String(kind), &output), 0)
-        << output.toStdString();
+    QStringList needed{QStringLiteral("Xvfb"), QStringLiteral("xwininfo"), QStringLiteral("xdotool"), QStringLiteral("import")};
+    if (withTray)
+        needed << QStringLiteral("tint2") << QStringLiteral("xprop");
+    for (const QString &program : needed) {
+        if (QStandardPaths::findExecutable(program).isEmpty())
+            GTEST_SKIP() << program.toStdString() << " not installed (scripts/install-deps.sh)";
+    }
+    // Xvfb writes the number of the display it chose once it takes connections; -noreset keeps
+    // what a client sets on the root window after that client has gone.
+    Started server;
+    server.process.start(QStringLiteral("Xvfb"), QStringLiteral("-displayfd 1 -noreset -screen 0 1024x768x24 -nolisten tcp").split(QLatin1Char(' ')));
+    while (!server.process.canReadLine() && server.process.waitForReadyRead(15000)) {
+    }
+    const QByteArray display = server.process.readLine().trimmed();
+    ASSERT_FALSE(display.isEmpty()) << "Xvfb did not start: " << server.process.readAllStandardError().toStdString();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("DISPLAY"), QLatin1Char(':') + QString::fromLatin1(display));
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
+    // The tray of this display, not a notifier service that some session bus may offer.
+    environment.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+    environment.remove(QStringLiteral("WAYLAND_DISPLAY"));
+
+    Started trayHost;
+    QTemporaryDir dir;
+    if (withTray) {
+        // tint2 waits 15 s for a window manager to announce its desktops; there is none here.
+        QProcess announce;
+        announce.setProcessEnvironment(environment);
+        announce.start(QStringLiteral("xprop"), QStringLiteral("-root -f _NET_NUMBER_OF_DESKTOPS 32c -set _NET_NUMBER_OF_DESKTOPS 1").split(QLatin1Char(' ')));
+        ASSERT_TRUE(announce.waitForFinished(10000) && announce.exitCode() == 0);
+        // A panel that is nothing but a system tray, along the bottom of the screen.
+        QFile config(dir.filePath(QStringLiteral("tint2rc")));
+        ASSERT_TRUE(config.open(QIODevice::WriteOnly));
+        config.write("panel_items = S\npanel_size = 100% 32\npanel_position = bottom center horizontal\nsystray_icon_size = 24\n");
+        config.close();
+        trayHost.process.setProcessEnvironment(environment);
+        trayHost.process.start(QStringLiteral("tint2"), {QStringLiteral("-c"), config.fileName()});
+        ASSERT_TRUE(trayHost.process.waitForStarted(10000)) << "tint2 did not start";
+    }
+
+    environment.insert(QStringLiteral("SONDAR_TRAY_SESSION"), QLatin1String(kind));
+    QProcess tests;
+    tests.setProcessEnvironment(environment);
+    tests.setProcessChannelMode(QProcess::MergedChannels);
+    tests.start(QCoreApplication::applicationFilePath(), {QStringLiteral("--gtest_filter=TraySession.") + QLatin1String(caseName)});
+    EXPECT_TRUE(tests.waitForFinished(120000));
+    const QString output = QString::fromLocal8Bit(tests.readAll());
+    EXPECT_EQ(tests.exitStatus() == QProcess::NormalExit ? tests.exitCode() : -1, 0) << output.toStdString();
     EXPECT_TRUE(output.contains(QStringLiteral("[  PASSED  ] 1 test"))) << output.toStdString();
 }
 
@@ -52,30 +103,19 @@ QString idOf(const QWidget *window)
     return QStringLiteral("0x") + QString::number(window->winId(), 16);
 }
 
-// Its attributes, or with `tree` its place among the windows.
-QString xwininfo(const QWidget *window, bool tree = false)
+// A field of xwininfo about the window, with `tree` of its place among the windows.
+QString field(const QWidget *window, const char *name, bool tree = false)
 {
     QStringList arguments{QStringLiteral("-id"), idOf(window)};
     if (tree)
         arguments << QStringLiteral("-tree");
-    return QString::fromLocal8Bit(run(QStringLiteral("xwininfo"), arguments));
-}
-
-QString field(const QString &info, const char *name)
-{
+    const QString info = QString::fromLocal8Bit(run(QStringLiteral("xwininfo"), arguments));
     return QRegularExpression(QLatin1String(name) + QStringLiteral(":\\s+(\\S+)")).match(info).captured(1);
-}
-
-bool embedded(const QWidget *window)
-{
-    const QString info = xwininfo(window, true);
-    return field(info, "Parent window id") != field(info, "Root window id");
 }
 
 QColor centreOnScreen(const QWidget *window)
 {
-    const QImage image =
-        QImage::fromData(run(QStringLiteral("import"), {QStringLiteral("-window"), idOf(window), QStringLiteral("png:-")}));
+    const QImage image = QImage::fromData(run(QStringLiteral("import"), {QStringLiteral("-window"), idOf(window), QStringLiteral("png:-")}));
     return image.isNull() ? QColor() : image.pixelColor(image.width() / 2, image.height() / 2);
 }
 
@@ -116,17 +156,18 @@ TEST(TraySession, IntoTheTrayAndBack)
 
     window.showMinimized();
     ASSERT_TRUE(tray.MinToSysTray());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return field(xwininfo(&window), "Map State") == QLatin1String("IsUnMapped"); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field(&window, "Map State") == QLatin1String("IsUnMapped"); }));
     QWidget *icon = nullptr;
-    ASSERT_TRUE(QTest::qWaitFor([&] { return (icon = trayIconWindow()) && embedded(icon); }, 10000)) << "tint2 never took the icon";
+    ASSERT_TRUE(QTest::qWaitFor([&] {
+        return (icon = trayIconWindow()) && field(icon, "Parent window id", true) != field(icon, "Root window id", true);
+    }, 10000)) << "tint2 never took the icon";
     EXPECT_TRUE(QTest::qWaitFor([&] { return centreOnScreen(icon) == QColor(Qt::green); })) << "the tray starts with the window's icon";
 
     tray.ChangeIcon(ResourceIcon::load(QStringLiteral("RED")));
     tray.ChangeToolTip(QStringLiteral("Sondar : No NET"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return centreOnScreen(icon) == QColor(Qt::red); }));
-    const QString info = xwininfo(icon);
-    const QString centre = QString::number(field(info, "Absolute upper-left X").toInt() + field(info, "Width").toInt() / 2)
-        + QLatin1Char(' ') + QString::number(field(info, "Absolute upper-left Y").toInt() + field(info, "Height").toInt() / 2);
+    const QString centre = QString::number(field(icon, "Absolute upper-left X").toInt() + field(icon, "Width").toInt() / 2)
+        + QLatin1Char(' ') + QString::number(field(icon, "Absolute upper-left Y").toInt() + field(icon, "Height").toInt() / 2);
     // Never "--sync": xdotool then waits for a move that does not happen when the pointer is already there.
     run(QStringLiteral("xdotool"), QStringLiteral("mousemove %1").arg(centre).split(QLatin1Char(' ')));
     EXPECT_TRUE(QTest::qWaitFor([] { return QToolTip::isVisible() && QToolTip::text() == QStringLiteral("Sondar : No NET"); }))
@@ -135,7 +176,7 @@ TEST(TraySession, IntoTheTrayAndBack)
     run(QStringLiteral("xdotool"), QStringLiteral("mousemove %1 click --repeat 2 --delay 80 1").arg(centre).split(QLatin1Char(' ')));
     ASSERT_TRUE(QTest::qWaitFor([&] { return doubleClicks.count() == 1; }));
     EXPECT_TRUE(window.isVisible() && !window.isMinimized());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return field(xwininfo(&window), "Map State") == QLatin1String("IsViewable"); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return field(&window, "Map State") == QLatin1String("IsViewable"); }));
     EXPECT_TRUE(QTest::qWaitFor([] { return !trayIconWindow() || !trayIconWindow()->isVisible(); })) << "the icon left the tray";
 }
 
@@ -155,6 +196,6 @@ TEST(TraySession, NoTrayHost)
     EXPECT_FALSE(tray.MinToSysTray());
     EXPECT_TRUE(window.isVisible());
     QTest::qWait(200);
-    EXPECT_EQ(field(xwininfo(&window), "Map State"), QStringLiteral("IsViewable")) << "the window was never withdrawn";
+    EXPECT_EQ(field(&window, "Map State"), QStringLiteral("IsViewable")) << "the window was never withdrawn";
     EXPECT_EQ(trayIconWindow(), nullptr);
 }
