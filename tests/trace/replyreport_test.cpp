@@ -4,114 +4,61 @@
 
 namespace {
 
-IcmpEcho::Reply replyFrom(uint32_t address, uint32_t status, uint32_t ms = 14, uint16_t size = 32, uint8_t ttl = 252)
+TEST(ReplyReport, StatusTableGivesEachCodeItsTextByteForByte)
 {
-    IcmpEcho::Reply reply;
-    reply.address = address;
-    reply.status = status;
-    reply.roundTripMs = ms;
-    reply.dataSize = size;
-    reply.ttl = ttl;
-    return reply;
+    const std::pair<uint32_t, const char *> codes[] = { // nullptr: the table has no text for it (11002 among them)
+        {0, "Success"},                         {11001, "Buffer too Small"},       {11002, nullptr},
+        {11003, "Dest Host Not Reachable"},     {11004, "Dest Protocol Not Reachable"}, {11005, "Dest Port Not Reachable"},
+        {11006, "No Resources Available"},      {11007, "Bad Option"},             {11008, "Hardware Error"},
+        {11009, "Packet too Big"},              {11010, "Rqst Timed Out"},         {11011, "Bad Request"},
+        {11012, "Bad Route"},                   {11013, "TTL Exprd In Transit"},   {11014, "TTL Exprd Reassemb"},
+        {11015, "Parameter Problem"},           {11016, "Source Quench"},          {11017, "Option too Big"},
+        {11018, " Bad Destination"},            {11019, "Address Deleted"},        {11020, "Spec MTU Change"},
+        {11021, "MTU Change"},                  {11022, "Unload"},                 {11023, nullptr},
+        {11040, nullptr},                       {11050, "General Failure"},        {1, nullptr},
+        {0xffffffff, nullptr},
+    };
+    for (const auto &[code, text] : codes)
+        EXPECT_EQ(ReplyReport::statusText(code), text ? std::optional(QString::fromLatin1(text)) : std::nullopt) << code;
 }
 
-struct StatusCase {
-    uint32_t code;
-    const char *text; // nullptr: the table has no text for it
-};
-
-// Readable test names: the case, not its bytes.
-void PrintTo(const StatusCase &c, std::ostream *out)
+TEST(ReplyReport, RaisesTheStatusTextsTheErrorOfAFailureAndTheLogLineOfAHopOrASingleEcho)
 {
-    *out << c.code;
-}
-
-class StatusTable : public ::testing::TestWithParam<StatusCase>
-{
-};
-
-TEST_P(StatusTable, GivesEachCodeItsTextByteForByte)
-{
-    const StatusCase c = GetParam();
-    const std::optional<QString> text = ReplyReport::statusText(c.code);
-    if (c.text) {
-        ASSERT_TRUE(text.has_value()) << c.code;
-        EXPECT_EQ(*text, QString::fromLatin1(c.text)) << c.code;
-    } else {
-        EXPECT_FALSE(text.has_value()) << c.code;
+    const struct {
+        uint32_t address, status, ms;
+        uint16_t size;
+        uint8_t ttl;
+        std::optional<int> hop;
+        const char *detail;
+        const char *statusTexts; // joined by "|"
+        const char *errorText;   // nullptr: none
+        const char *logLine;
+    } cases[] = {
+        {0x0a010203, 11013, 14, 0, 253, 3, "", "TTL Exprd In Transit| (11013)", "11013:",
+         " # 03 Reply from 10.1.2.3: Bytes = 0 Time = 14ms TTL = 253"},
+        // Hop numbers from ten on are not padded.
+        {0x0a010203, 0, 14, 32, 252, 9, "", "Success| (0)", nullptr, " # 09 Reply from 10.1.2.3: Bytes = 32 Time = 14ms TTL = 252"},
+        {0x7f000001, 0, 0, 32, 64, 10, "", "Success| (0)", nullptr, " # 10 Reply from 127.0.0.1: Bytes = 32 Time = 0ms TTL = 64"},
+        {0x7f000001, 0, 1234, 32, 1, 254, "", "Success| (0)", nullptr, " # 254 Reply from 127.0.0.1: Bytes = 32 Time = 1234ms TTL = 1"},
+        {0x0a000001, 11002, 14, 32, 252, 2, "", " (11002)", "11002:", " # 02 Reply from 10.0.0.1: Bytes = 32 Time = 14ms TTL = 252"},
+        {0xc0a80001, 0, 7, 32, 64, std::nullopt, "", "Success| (0)", nullptr, " Reply from 192.168.0.1: Bytes = 32 RTT = 7ms TTL = 64"},
+        {0xc0a80001, 11003, 14, 32, 252, std::nullopt, "", "Dest Host Not Reachable| (11003)", "11003:", " Reply from 192.168.0.1: "},
+        // The detail follows the code in the status and the error, and ends a failed single echo's line.
+        {0xc0a80001, 11003, 14, 32, 252, std::nullopt, "why", "Dest Host Not Reachable|why (11003)", "11003:why",
+         " Reply from 192.168.0.1: why"},
+    };
+    for (const auto &c : cases) {
+        IcmpEcho::Reply reply;
+        reply.address = c.address;
+        reply.status = c.status;
+        reply.roundTripMs = c.ms;
+        reply.dataSize = c.size;
+        reply.ttl = c.ttl;
+        const ReplyReport report = ReplyReport::of(reply, c.hop, QString::fromLatin1(c.detail));
+        EXPECT_EQ(report.statusTexts.join(QLatin1Char('|')), QString::fromLatin1(c.statusTexts)) << c.logLine;
+        EXPECT_EQ(report.errorText, c.errorText ? std::optional(QString::fromLatin1(c.errorText)) : std::nullopt) << c.logLine;
+        EXPECT_EQ(report.logLine, QString::fromLatin1(c.logLine));
     }
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Codes, StatusTable,
-    ::testing::Values(StatusCase{0, "Success"}, StatusCase{11001, "Buffer too Small"},
-                      StatusCase{11002, nullptr}, // destination network unreachable has no text
-                      StatusCase{11003, "Dest Host Not Reachable"}, StatusCase{11004, "Dest Protocol Not Reachable"},
-                      StatusCase{11005, "Dest Port Not Reachable"}, StatusCase{11006, "No Resources Available"},
-                      StatusCase{11007, "Bad Option"}, StatusCase{11008, "Hardware Error"},
-                      StatusCase{11009, "Packet too Big"}, StatusCase{11010, "Rqst Timed Out"},
-                      StatusCase{11011, "Bad Request"}, StatusCase{11012, "Bad Route"},
-                      StatusCase{11013, "TTL Exprd In Transit"}, StatusCase{11014, "TTL Exprd Reassemb"},
-                      StatusCase{11015, "Parameter Problem"}, StatusCase{11016, "Source Quench"},
-                      StatusCase{11017, "Option too Big"}, StatusCase{11018, " Bad Destination"},
-                      StatusCase{11019, "Address Deleted"}, StatusCase{11020, "Spec MTU Change"},
-                      StatusCase{11021, "MTU Change"}, StatusCase{11022, "Unload"},
-                      StatusCase{11023, nullptr}, StatusCase{11040, nullptr}, StatusCase{11050, "General Failure"},
-                      StatusCase{1, nullptr}, StatusCase{0xffffffff, nullptr}));
-
-TEST(ReplyReportInTrace, RouterReplyRaisesBothStatusTextsTheCodeErrorAndTheHopLine)
-{
-    const ReplyReport report = ReplyReport::of(replyFrom(0x0a010203, 11013, 14, 0, 253), 3, QString());
-    EXPECT_EQ(report.statusTexts, QStringList({QStringLiteral("TTL Exprd In Transit"), QStringLiteral(" (11013)")}));
-    EXPECT_EQ(report.errorText, QStringLiteral("11013:"));
-    EXPECT_EQ(report.logLine, QStringLiteral(" # 03 Reply from 10.1.2.3: Bytes = 0 Time = 14ms TTL = 253"));
-}
-
-TEST(ReplyReportInTrace, DestinationReplyRaisesNoError)
-{
-    const ReplyReport report = ReplyReport::of(replyFrom(0x0a010203, 0), 3, QString());
-    EXPECT_EQ(report.statusTexts, QStringList({QStringLiteral("Success"), QStringLiteral(" (0)")}));
-    EXPECT_FALSE(report.errorText.has_value());
-    EXPECT_EQ(report.logLine, QStringLiteral(" # 03 Reply from 10.1.2.3: Bytes = 32 Time = 14ms TTL = 252"));
-}
-
-TEST(ReplyReportInTrace, HopNumbersFromTenOnAreNotPadded)
-{
-    EXPECT_EQ(ReplyReport::of(replyFrom(0x7f000001, 0, 0, 32, 64), 9, QString()).logLine,
-              QStringLiteral(" # 09 Reply from 127.0.0.1: Bytes = 32 Time = 0ms TTL = 64"));
-    EXPECT_EQ(ReplyReport::of(replyFrom(0x7f000001, 0, 0, 32, 64), 10, QString()).logLine,
-              QStringLiteral(" # 10 Reply from 127.0.0.1: Bytes = 32 Time = 0ms TTL = 64"));
-    EXPECT_EQ(ReplyReport::of(replyFrom(0x7f000001, 0, 1234, 32, 1), 254, QString()).logLine,
-              QStringLiteral(" # 254 Reply from 127.0.0.1: Bytes = 32 Time = 1234ms TTL = 1"));
-}
-
-TEST(ReplyReportInTrace, CodeWithoutTableTextRaisesOnlyTheCodeStatus)
-{
-    const ReplyReport report = ReplyReport::of(replyFrom(0x0a000001, 11002), 2, QString());
-    EXPECT_EQ(report.statusTexts, QStringList({QStringLiteral(" (11002)")}));
-    EXPECT_EQ(report.errorText, QStringLiteral("11002:"));
-}
-
-TEST(ReplyReportSingleEcho, SuccessLogsTheRoundTripLine)
-{
-    const ReplyReport report = ReplyReport::of(replyFrom(0xc0a80001, 0, 7, 32, 64), std::nullopt, QString());
-    EXPECT_EQ(report.statusTexts, QStringList({QStringLiteral("Success"), QStringLiteral(" (0)")}));
-    EXPECT_EQ(report.logLine, QStringLiteral(" Reply from 192.168.0.1: Bytes = 32 RTT = 7ms TTL = 64"));
-}
-
-TEST(ReplyReportSingleEcho, FailureLogsTheAddressAndTheDetailText)
-{
-    const ReplyReport report = ReplyReport::of(replyFrom(0xc0a80001, 11003), std::nullopt, QString());
-    EXPECT_EQ(report.logLine, QStringLiteral(" Reply from 192.168.0.1: "));
-    EXPECT_EQ(report.errorText, QStringLiteral("11003:"));
-}
-
-TEST(ReplyReportDetail, FollowsTheCodeInStatusErrorAndFailedSingleEcho)
-{
-    const ReplyReport report = ReplyReport::of(replyFrom(0xc0a80001, 11003), std::nullopt, QStringLiteral("why"));
-    EXPECT_EQ(report.statusTexts.last(), QStringLiteral("why (11003)"));
-    EXPECT_EQ(report.errorText, QStringLiteral("11003:why"));
-    EXPECT_EQ(report.logLine, QStringLiteral(" Reply from 192.168.0.1: why"));
 }
 
 } // namespace

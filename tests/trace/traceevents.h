@@ -2,8 +2,6 @@
 
 #include "trace/trace.h"
 
-#include <QObject>
-#include <QString>
 #include <QStringList>
 
 // Every event of a tracer, in the order it came, as "Name: text".
@@ -12,41 +10,33 @@ class TraceEvents : public QObject
 public:
     explicit TraceEvents(Trace &trace)
     {
-        record(trace, &Trace::LogString, "LogString");
-        record(trace, &Trace::Status, "Status");
-        record(trace, &Trace::IP, "IP");
-        record(trace, &Trace::HostName, "HostName");
-        record(trace, &Trace::OnError, "OnError");
+        const std::pair<void (Trace::*)(const QString &), const char *> events[] = {
+            {&Trace::LogString, "LogString"}, {&Trace::Status, "Status"}, {&Trace::IP, "IP"},
+            {&Trace::HostName, "HostName"},   {&Trace::OnError, "OnError"},
+        };
+        for (const auto &[signal, name] : events)
+            connect(&trace, signal, this, [this, name = name](const QString &text) { m_events << QLatin1String(name) + QStringLiteral(": ") + text; });
     }
 
     QStringList all() const { return m_events; }
 
+    // The texts of one event, in order.
     QStringList of(const QString &name) const
     {
         QStringList texts;
-        const QString prefix = name + QStringLiteral(": ");
         for (const QString &event : m_events) {
-            if (event.startsWith(prefix))
-                texts << event.mid(prefix.size());
+            if (event.startsWith(name + QStringLiteral(": ")))
+                texts << event.mid(name.size() + 2);
         }
         return texts;
     }
 
 private:
-    void record(Trace &trace, void (Trace::*signal)(const QString &), const char *name)
-    {
-        connect(&trace, signal, this, [this, name](const QString &text) {
-            m_events << QString::fromLatin1(name) + QStringLiteral(": ") + text;
-        });
-    }
-
     QStringList m_events;
 };
 
 // Why a test that sends real echoes cannot run here; empty when it can.
 inline QString icmpSkipReason()
 {
-    if (IcmpEcho().isOpen())
-        return {};
-    return QStringLiteral("no ICMP socket: needs root or net.ipv4.ping_group_range covering this user");
+    return IcmpEcho().isOpen() ? QString() : QStringLiteral("no ICMP socket: needs root or net.ipv4.ping_group_range covering this user");
 }

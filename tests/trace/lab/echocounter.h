@@ -12,7 +12,6 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include <cstdint>
 #include <thread>
 
 // Counts the echo requests for one address that arrive at a lab router, by the TTL they were
@@ -27,18 +26,18 @@ public:
         // A socket stays in the namespace it was made in; the thread that makes it may move.
         std::thread([&] {
             const int ns = open((QByteArray("/run/netns/") + netns).constData(), O_RDONLY | O_CLOEXEC);
-            if (ns < 0)
-                return;
-            if (setns(ns, CLONE_NEWNET) == 0)
-                m_fd = openOn(interface);
+            if (ns >= 0 && setns(ns, CLONE_NEWNET) == 0)
+                m_fd = socket(AF_PACKET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, htons(ETH_P_IP));
             close(ns);
+            sockaddr_ll link{};
+            link.sll_family = AF_PACKET;
+            link.sll_protocol = htons(ETH_P_IP);
+            link.sll_ifindex = int(if_nametoindex(interface));
+            if (m_fd >= 0 && bind(m_fd, reinterpret_cast<sockaddr *>(&link), sizeof link) != 0)
+                m_fd = (close(m_fd), -1);
         }).join();
     }
-    ~EchoCounter()
-    {
-        if (m_fd >= 0)
-            close(m_fd);
-    }
+    ~EchoCounter() { close(m_fd); }
     EchoCounter(const EchoCounter &) = delete;
     EchoCounter &operator=(const EchoCounter &) = delete;
 
@@ -47,38 +46,21 @@ public:
     // Echo requests seen so far, by their TTL.
     QMap<int, int> requestsByTtl()
     {
-        QByteArray packet(2048, '\0');
+        uint8_t ip[2048] = {};
         sockaddr_ll from{};
         socklen_t length = sizeof from;
-        for (ssize_t size; (size = recvfrom(m_fd, packet.data(), size_t(packet.size()), 0,
-                                            reinterpret_cast<sockaddr *>(&from), &length)) > 0;
+        for (ssize_t size; (size = recvfrom(m_fd, ip, sizeof ip, 0, reinterpret_cast<sockaddr *>(&from), &length)) > 0;
              length = sizeof from) {
-            const auto *ip = reinterpret_cast<const uint8_t *>(packet.constData());
             const int headerSize = (ip[0] & 0x0f) * 4;
-            if (from.sll_pkttype == PACKET_OUTGOING || size < headerSize + 8 || ip[9] != IPPROTO_ICMP)
-                continue;
             const uint32_t to = uint32_t(ip[16]) << 24 | uint32_t(ip[17]) << 16 | uint32_t(ip[18]) << 8 | ip[19];
-            if (to == m_destination && ip[headerSize] == 8)
+            if (size >= headerSize + 8 && from.sll_pkttype != PACKET_OUTGOING && ip[9] == IPPROTO_ICMP && to == m_destination
+                && ip[headerSize] == 8)
                 ++m_counts[ip[8]];
         }
         return m_counts;
     }
 
 private:
-    static int openOn(const char *interface)
-    {
-        const int fd = socket(AF_PACKET, SOCK_DGRAM | SOCK_NONBLOCK | SOCK_CLOEXEC, htons(ETH_P_IP));
-        sockaddr_ll link{};
-        link.sll_family = AF_PACKET;
-        link.sll_protocol = htons(ETH_P_IP);
-        link.sll_ifindex = int(if_nametoindex(interface));
-        if (fd >= 0 && bind(fd, reinterpret_cast<sockaddr *>(&link), sizeof link) != 0) {
-            close(fd);
-            return -1;
-        }
-        return fd;
-    }
-
     int m_fd = -1;
     uint32_t m_destination;
     QMap<int, int> m_counts;

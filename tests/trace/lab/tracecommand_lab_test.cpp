@@ -39,18 +39,14 @@ TEST_F(TerminalTrace, PrintsEveryLogLineThenTheHopTable)
     const QStringList lines = run(netlab::kTargetName, 1000, exitCode);
     EXPECT_EQ(exitCode, 0);
     ASSERT_EQ(lines.size(), 11) << lines.join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(lines[0], QStringLiteral("Tracing Route To 10.201.4.2:"));
-    EXPECT_TRUE(lines[1].startsWith(QStringLiteral(" # 01 Reply from 10.201.2.2: Bytes = ")));
-    EXPECT_TRUE(lines[3].startsWith(QStringLiteral(" # 03 Reply from 10.201.4.2: Bytes = 32 Time = ")));
-    EXPECT_EQ(lines[4], QStringLiteral("Route Trace has Completed"));
-    EXPECT_EQ(lines[5], QString());
-    EXPECT_EQ(lines[6].split(QRegularExpression(QStringLiteral("\\s{2,}"))).join(QLatin1Char('|')),
-              QStringLiteral("N|Host name|IP Address|Time, ms|Network|Country"));
-    EXPECT_TRUE(lines[7].startsWith(QStringLiteral("1  core1.example.de    10.201.2.2")));
-    EXPECT_TRUE(lines[7].endsWith(QStringLiteral("Germany")));
-    EXPECT_TRUE(lines[8].startsWith(QStringLiteral("2  r3.lab.example      10.201.3.2")));
-    EXPECT_TRUE(lines[9].startsWith(QStringLiteral("3  target.lab.example  10.201.4.2")));
-    EXPECT_EQ(lines[10], QString());
+    const char *const patterns[] = {
+        "^Tracing Route To 10\\.201\\.4\\.2:$", "^ # 01 Reply from 10\\.201\\.2\\.2: Bytes = ", "^ # 02 Reply from 10\\.201\\.3\\.2: ",
+        "^ # 03 Reply from 10\\.201\\.4\\.2: Bytes = 32 Time = ", "^Route Trace has Completed$", "^$", "^N  Host name  ",
+        "^1  core1\\.example\\.de    10\\.201\\.2\\.2 .*Germany$", "^2  r3\\.lab\\.example      10\\.201\\.3\\.2 ",
+        "^3  target\\.lab\\.example  10\\.201\\.4\\.2 ", "^$",
+    };
+    for (int i = 0; i < 11; ++i)
+        EXPECT_TRUE(QRegularExpression(QLatin1String(patterns[i])).match(lines[i]).hasMatch()) << lines[i].toStdString();
 }
 
 TEST_F(TerminalTrace, CtrlCCancelsBeforeTheNextEchoAndGivesTheSignalBack)
@@ -59,12 +55,11 @@ TEST_F(TerminalTrace, CtrlCCancelsBeforeTheNextEchoAndGivesTheSignalBack)
     int exitCode = -1;
     const QStringList lines = run(netlab::kSilentRouterTargetName, 100, exitCode);
     EXPECT_EQ(exitCode, 1);
-    ASSERT_GE(lines.size(), 4);
+    ASSERT_GE(lines.size(), 6);
     EXPECT_EQ(lines[0], QStringLiteral("Tracing Route To 10.201.7.2:"));
     EXPECT_TRUE(lines[1].startsWith(QStringLiteral(" # 01 Reply from 10.201.2.2: ")));
     EXPECT_EQ(lines[2], QStringLiteral("Canceled"));
     EXPECT_TRUE(lines[5].startsWith(QStringLiteral("1  core1.example.de")));
-
     struct sigaction current {};
     sigaction(SIGINT, nullptr, &current);
     EXPECT_EQ(current.sa_handler, SIG_DFL);
