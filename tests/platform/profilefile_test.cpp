@@ -3,6 +3,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 
@@ -10,6 +11,7 @@
 
 #include <csignal>
 #include <sys/resource.h>
+#include <sys/stat.h>
 
 namespace {
 
@@ -180,6 +182,14 @@ TEST_F(ProfileFile, WritesLeaveNoTemporaryFileAndAFailedOneLeavesTheOldFileWhole
     EXPECT_FALSE(written);
     EXPECT_EQ(readFile(), before);
     EXPECT_EQ(dirEntries(), QStringList{QStringLiteral("hosts.ini")});
+}
+
+TEST_F(ProfileFile, PipeInPlaceOfTheFileNeitherBlocksNorIsReplaced)
+{
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path()).constData(), 0600), 0);
+    EXPECT_EQ(read("Host", "1"), QStringLiteral("<none>"));
+    EXPECT_FALSE(write("Host", QStringLiteral("1"), QStringLiteral("a")));
+    EXPECT_FALSE(QFileInfo(path()).isFile());
 }
 
 } // namespace
