@@ -66,23 +66,16 @@ struct PaintedGraph : Graph {
 
 TEST(PingGraphModel, BarIsTwoTwipsPerMsOverTheScaleCappedAtTheTopLabelAndColouredByLevel)
 {
-    struct Case {
-        const char *percent;
-        int32_t time;
-        double height;
-        int32_t colour;
+    const std::tuple<const char *, int32_t, double, int32_t> cases[] = { // scale %, time, height, colour
+        {"100", 150, 300, 65280},     {"50", 150, 600, 65280},    {"100", 200, 400, 49152}, {"100", 1500, 2000, 8388736},
+        {"100", 3500, 2000, 255},     {"500", 2999, 1199.6, 12583104}, {"500", 3000, 1200, 255}, {"100", 0, 0, 65280},
     };
-    const Case cases[] = {
-        {"100", 150, 300, 65280},  {"50", 150, 600, 65280},       {"100", 200, 400, 49152},
-        {"100", 1500, 2000, 8388736}, {"100", 3500, 2000, 255},   {"500", 2999, 1199.6, 12583104},
-        {"500", 3000, 1200, 255},  {"100", 0, 0, 65280},
-    };
-    for (const Case &c : cases) {
-        Graph graph({{"PingScale", c.percent}});
-        graph.model.AddGraphPoint(c.time);
+    for (const auto &[percent, time, height, colour] : cases) {
+        Graph graph({{"PingScale", percent}});
+        graph.model.AddGraphPoint(time);
         EXPECT_EQ(graph.model.lbY().back().value, graph.model.TopValue());
-        EXPECT_NEAR(graph.model.bars().back().height, c.height, 1e-3) << c.percent << "% " << c.time << " ms";
-        EXPECT_EQ(graph.model.bars().back().color, c.colour) << c.percent << "% " << c.time << " ms";
+        EXPECT_NEAR(graph.model.bars().back().height, height, 1e-3) << percent << "% " << time << " ms";
+        EXPECT_EQ(graph.model.bars().back().color, colour) << percent << "% " << time << " ms";
     }
 }
 
@@ -116,17 +109,16 @@ TEST(PingGraphModel, AverageLineIsTheMeanOfNonZeroPointsAndHidesOnceNoneIsLeft)
 
 TEST(PingGraphModel, BandHeightIsTheBoundTimesThePlotHeightOverTheTopValue)
 {
-    struct Case {
+    struct {
         Graph graph;
         std::vector<std::pair<double, int32_t>> bands; // height, colour
-    };
-    Case cases[] = {
+    } cases[] = {
         {Graph(), {{6000, int32_t(0x80000018)}, {3000, 16777152}}},
         {Graph({{"PingValues", "200;400;600;800;1000;1200;1500;2000;5001"}}), {{10002, int32_t(0x80000018)}, {5000, 16777152}}},
         {Graph({{"PingScale", "50"}, {"PingBackLevel", "1"}, {"PingBackValues", "100"}, {"PingBackColors", "255"}}), {{400, 255}}},
         {Graph({{"PingBackLevel", "0"}, {"PingBackValues", ""}, {"PingBackColors", ""}}), {}},
     };
-    for (Case &c : cases) {
+    for (auto &c : cases) {
         const std::vector<PingGraphModel::Band> bands = c.graph.model.shpBackColor();
         ASSERT_EQ(bands.size(), c.bands.size());
         for (size_t k = 0; k < bands.size(); ++k) {
