@@ -141,10 +141,12 @@ TEST(TrayOnX11, WithoutATrayHostTheMinimisedWindowStaysInTheTaskBar)
     runSession(false, "notray", "NoTrayHost");
 }
 
-TEST(TraySession, IntoTheTrayAndBack)
+namespace {
+
+// The cases that run on the X display TrayOnX11 starts; registered only there, so they are
+// neither listed nor skipped anywhere else.
+void intoTheTrayAndBack()
 {
-    if (!inSession("tray"))
-        GTEST_SKIP() << "runs on the X display that TrayOnX11 starts";
     ASSERT_TRUE(QTest::qWaitFor(&clsSysTray::trayAvailable, 20000)) << "tint2 never took the tray";
     QWidget window;
     window.setWindowIcon(ResourceIcon::load(QStringLiteral("SALAT"))); // a bright green lamp
@@ -180,10 +182,8 @@ TEST(TraySession, IntoTheTrayAndBack)
     EXPECT_TRUE(QTest::qWaitFor([] { return !trayIconWindow() || !trayIconWindow()->isVisible(); })) << "the icon left the tray";
 }
 
-TEST(TraySession, NoTrayHost)
+void noTrayHost()
 {
-    if (!inSession("notray"))
-        GTEST_SKIP() << "runs on the X display that TrayOnX11 starts";
     ASSERT_FALSE(clsSysTray::trayAvailable());
     QWidget window;
     window.setWindowIcon(ResourceIcon::load(QStringLiteral("A_")));
@@ -199,3 +199,25 @@ TEST(TraySession, NoTrayHost)
     EXPECT_EQ(field(&window, "Map State"), QStringLiteral("IsViewable")) << "the window was never withdrawn";
     EXPECT_EQ(trayIconWindow(), nullptr);
 }
+
+template<void (*body)()>
+class SessionCase : public ::testing::Test
+{
+    void TestBody() override { body(); }
+};
+
+template<void (*body)()>
+void registerIn(const char *kind, const char *name)
+{
+    if (inSession(kind))
+        ::testing::RegisterTest("TraySession", name, nullptr, nullptr, __FILE__, __LINE__,
+                                []() -> ::testing::Test * { return new SessionCase<body>; });
+}
+
+const bool sessionCasesRegistered = [] {
+    registerIn<intoTheTrayAndBack>("tray", "IntoTheTrayAndBack");
+    registerIn<noTrayHost>("notray", "NoTrayHost");
+    return true;
+}();
+
+} // namespace
