@@ -5,6 +5,7 @@
 #include "core/ping.h"
 #include "core/pinglog.h"
 #include "core/pollingcycle.h"
+#include "core/productinfo.h"
 #include "core/retrytime.h"
 #include "core/smsalerts.h"
 #include "core/textnumbers.h"
@@ -52,7 +53,7 @@ int runPingCommand(const PingCommandOptions &options, const Environment &env)
     if (!help.isEmpty())
         std::fprintf(stderr, "%s\n", qPrintable(help));
 
-    TrappedProcedure procedure(env.sink, QStringLiteral("f_Ping"), QStringLiteral("Form_Load"), QStringLiteral("Sondar"));
+    TrappedProcedure procedure(env.sink, QStringLiteral("f_Ping"), QStringLiteral("Form_Load"), productinfo::productName());
     LevelScale levels;
     procedure.step(3, [&] { levels.LoadLevelScale(env.settings); });
     PingLog log(env.programDir, env.logBaseName, env.settings, env.clock);

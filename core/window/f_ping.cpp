@@ -206,13 +206,12 @@ bool f_Ping::txtTime_Validate()
 
 bool f_Ping::eventFilter(QObject *watched, QEvent *event)
 {
-    static bool validating = false;
-    if (watched == m_txtTime && event->type() == QEvent::FocusOut && !validating) {
-        validating = true;
+    if (watched == m_txtTime && event->type() == QEvent::FocusOut && !m_validating) {
+        m_validating = true;
         // The focus stays in the box after a correction, as leaving it was refused.
         if (!txtTime_Validate())
             m_txtTime->setFocus();
-        validating = false;
+        m_validating = false;
     }
     return QMainWindow::eventFilter(watched, event);
 }

@@ -114,6 +114,7 @@ private:
     QDateTime m_loadTime;
     BusyPointer m_pointer;
     bool m_unloaded = false;
+    bool m_validating = false; // the box's own message box takes the focus too
 
     HostComboBox *m_cmb = nullptr;
     QLineEdit *m_txtTime = nullptr;

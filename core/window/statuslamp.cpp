@@ -1,5 +1,7 @@
 #include "core/window/statuslamp.h"
 
+#include "core/colorvalue.h"
+
 #include <QPainter>
 
 StatusLamp::StatusLamp(QWidget *parent)
@@ -27,7 +29,7 @@ void StatusLamp::paintEvent(QPaintEvent *)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(palette().color(QPalette::WindowText));
-    painter.setBrush(QColor(int(m_fillColor & 0xFF), int((m_fillColor >> 8) & 0xFF), int((m_fillColor >> 16) & 0xFF)));
+    painter.setBrush(colorvalue::toColor(int32_t(m_fillColor), palette()));
     const int side = qMin(width(), height()) - 2;
     painter.drawEllipse(QRect((width() - side) / 2, (height() - side) / 2, side, side));
 }
